@@ -1,0 +1,42 @@
+# Ways to register tests.
+#
+# vuksim_add_tests(<name> SOURCES <files> [LIBRARIES <targets>] [INCLUDES <folders>])
+# makes one GoogleTest program and registers each of its tests with ctest.
+#
+# vuksim_add_program_test(<test> <target>)
+# runs a program without arguments in an empty folder; it must end with 0.
+include(GoogleTest)
+find_package(GTest REQUIRED)
+
+# GoogleTest's headers are by far the largest that a test includes: they are compiled once for all.
+add_library(vuksim_test_headers OBJECT "${CMAKE_CURRENT_LIST_DIR}/test_headers.cpp")
+target_compile_features(vuksim_test_headers PRIVATE cxx_std_20)
+target_precompile_headers(vuksim_test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
+target_link_libraries(vuksim_test_headers PRIVATE GTest::gmock GTest::gtest)
+# -Wpedantic changes a predefined macro: without it the compiled headers would not fit the tests.
+vuksim_warnings(vuksim_test_headers)
+
+function(vuksim_add_tests name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES;INCLUDES")
+    if(NOT arg_SOURCES)
+        return()
+    endif()
+    add_executable(${name} ${arg_SOURCES})
+    target_compile_features(${name} PRIVATE cxx_std_20)
+    target_include_directories(${name} PRIVATE ${arg_INCLUDES})
+    target_precompile_headers(${name} REUSE_FROM vuksim_test_headers)
+    target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} GTest::gmock GTest::gtest_main)
+    vuksim_warnings(${name})
+    gtest_discover_tests(${name}
+        TEST_PREFIX "${name}."
+        DISCOVERY_TIMEOUT 60
+        DISCOVERY_MODE PRE_TEST
+        PROPERTIES TIMEOUT 300)
+endfunction()
+
+function(vuksim_add_program_test test target)
+    add_test(NAME ${test}
+        COMMAND "${CMAKE_COMMAND}" "-DPROGRAM=$<TARGET_FILE:${target}>"
+            "-DFOLDER=${CMAKE_CURRENT_BINARY_DIR}/run_${target}"
+            -P "${PROJECT_SOURCE_DIR}/cmake/run_in_empty_folder.cmake")
+endfunction()
