@@ -1,0 +1,3 @@
+#include "VUKBasAllocatorBase.h"
+
+VUKBasAllocatorBase::~VUKBasAllocatorBase() = default;
