@@ -1,0 +1,60 @@
+#include "VUKSimRpm_BStreamWriteBuffer.h"
+
+#include "VUKSimExcShortBuffer.h"
+#include "VUKSimRpm_Assert.h"
+#include "VUKSimRpm_BoundDirectory.h"
+#include "VUKSimRpm_PoolDirectoryImpl.h"
+
+#include <cstring>
+#include <utility>
+
+namespace {
+
+constexpr char kSource[] = "VUKSim/VUKSimRpm.m/src/VUKSimRpm_BStreamWriteBuffer";
+
+namespace at {
+constexpr int kBindPoolGone = 22;
+constexpr int kPrepNothing = 36;
+constexpr int kPrepBeyondEnd = 40;
+} // namespace at
+} // namespace
+
+VUKSimRpm_BStreamWriteBuffer::VUKSimRpm_BStreamWriteBuffer(char* buffer,
+                                                           unsigned long length) noexcept
+    : mBuffer(buffer), mLength(length)
+{}
+
+VUKSimRpm_BStreamWriteBuffer::VUKSimRpm_BStreamWriteBuffer(char* buffer, unsigned long length,
+                                                           const VUKSimRpm_Pool& pool)
+    : mBuffer(buffer), mLength(length),
+      mSourceDir(VUKSimRpm_BoundDirectory(pool, kSource, at::kBindPoolGone))
+{}
+
+VUKSimRpm_BStreamWriteBuffer::~VUKSimRpm_BStreamWriteBuffer() = default;
+
+char* VUKSimRpm_BStreamWriteBuffer::PrepWrite(unsigned long requestedLength)
+{
+    VUKSIMRPM_ASSERT(requestedLength > 0, kSource, at::kPrepNothing);
+    const unsigned long remaining = mLength - mPosition;
+    if (requestedLength > remaining) {
+        VUKSimExcShortBuffer(static_cast<unsigned>(requestedLength),
+                             static_cast<unsigned>(remaining))
+            .Throw(kSource, at::kPrepBeyondEnd);
+    }
+    return mBuffer + std::exchange(mPosition, mPosition + requestedLength);
+}
+
+void VUKSimRpm_BStreamWriteBuffer::Write(const char* source, unsigned int length)
+{
+    std::memcpy(PrepWrite(length), source, length);
+}
+
+VUKSimRpm_PoolDirectoryImpl* VUKSimRpm_BStreamWriteBuffer::SourceDir() const
+{
+    return mSourceDir.get();
+}
+
+VUKSimRpm_MemoryPool* VUKSimRpm_BStreamWriteBuffer::IMPool() const
+{
+    return nullptr;
+}
