@@ -1,10 +1,10 @@
 #pragma once
 
-#include <cstddef>
-#include <utility>
-
 #include "VUKBasAllocatorBase.h"
 #include "VUKBasMemAllocator.h"
+
+#include <cstddef>
+#include <utility>
 
 /// Handle on an allocator; copies share it, the last one deletes it. A default handle is empty.
 class VUKBAS_EXPORT VUKBasAllocator

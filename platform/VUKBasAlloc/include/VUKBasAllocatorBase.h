@@ -1,8 +1,8 @@
 #pragma once
 
-#include <cstddef>
-
 #include "mem_Alloc.h"
+
+#include <cstddef>
 
 /// A source of memory that is chosen at run time, shared by the VUKBasAllocator handles on it.
 ///

@@ -1,9 +1,10 @@
 #pragma once
 
+#include "mem_Alloc.h"
+
 #include <cstddef>
 #include <new>
-
-#include "mem_Alloc.h"
+#include <type_traits>
 
 /// Lets the standard containers behind the platform's own take their memory from mem_Alloc.h, so
 /// that one table sees every allocation. Stateless: all allocators of all types are equal.
@@ -12,11 +13,13 @@ class VUKBAS_EXPORT VUKBasStdAllocator
 {
 public:
     using value_type = T;
+    using propagate_on_container_move_assignment = std::true_type;
 
     VUKBasStdAllocator() = default;
 
+    // Implicit: containers go from one element type to another.
     template <class U>
-    VUKBasStdAllocator(const VUKBasStdAllocator<U>&) noexcept // implicit: containers rebind
+    VUKBasStdAllocator(const VUKBasStdAllocator<U>&) noexcept // NOLINT(google-explicit-constructor)
     {}
 
     /// \throws std::bad_array_new_length (a std::bad_alloc) when `count` elements cannot be

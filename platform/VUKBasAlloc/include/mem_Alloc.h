@@ -3,10 +3,10 @@
 // operator new the same way.
 #pragma once
 
+#include "VUKBas_Export.h"
+
 #include <cstddef>
 #include <new>
-
-#include "VUKBas_Export.h"
 
 /// The functions that every allocation ends in. At first they are the C library's.
 ///

@@ -1,12 +1,12 @@
 #include "VUKBasStdAllocator.h"
 
-#include <new>
-#include <type_traits>
-#include <vector>
+#include "mem_Watch.h"
 
 #include <gtest/gtest.h>
 
-#include "mem_Watch.h"
+#include <new>
+#include <type_traits>
+#include <vector>
 
 TEST(StdAllocator, TakesAContainersMemoryFromTheTable)
 {

@@ -1,5 +1,9 @@
 #include "mem_Alloc.h"
 
+#include "mem_Watch.h"
+
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
@@ -9,10 +13,6 @@
 #include <type_traits>
 
 #include <unistd.h>
-
-#include <gtest/gtest.h>
-
-#include "mem_Watch.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <cstddef>
-
 #include "mem_Alloc.h"
+
+#include <cstddef>
 
 /// Stands in front of the allocation functions while it lives: counts the blocks and makes chosen
 /// allocations fail. One at a time; what is allocated under it must be freed under it.

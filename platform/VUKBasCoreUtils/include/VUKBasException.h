@@ -1,9 +1,9 @@
 #pragma once
 
-#include <exception>
-
 #include "VUKBasExceptionText.h"
 #include "VUKBas_Export.h"
+
+#include <exception>
 
 /// Base of every failure that the platform and the libraries above it raise.
 ///

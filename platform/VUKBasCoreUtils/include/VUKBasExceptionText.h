@@ -1,8 +1,8 @@
 #pragma once
 
-#include <cstddef>
-
 #include "VUKBas_Export.h"
+
+#include <cstddef>
 
 /// Writes an exception's sentence into the exception's own buffer, without allocating.
 ///

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include "VUKBasStdAllocator.h"
+
+#include <string>
 
 /// Text in UTF-8. Lengths are in bytes; the bytes are kept as given and not checked.
 ///
@@ -15,7 +15,7 @@ public:
 
     /// The text up to the first zero byte; null gives the empty string. Implicit, so that a
     /// literal serves wherever a string is asked for.
-    VUKString(const char* utf8);
+    VUKString(const char* utf8); // NOLINT(google-explicit-constructor)
 
     /// The same, said out loud.
     [[nodiscard]] static VUKString BuildFromUTF8(const char* utf8) { return VUKString(utf8); }

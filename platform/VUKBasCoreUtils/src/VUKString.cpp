@@ -1,9 +1,9 @@
 #include "VUKString.h"
 
+#include "VUKBasRangeException.h"
+
 #include <cstring>
 #include <limits>
-
-#include "VUKBasRangeException.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #include "VUKBasExceptionText.h"
 
-#include <climits>
-
 #include <gtest/gtest.h>
+
+#include <climits>
 
 TEST(ExceptionText, EmptiesTheBufferThatItIsGiven)
 {

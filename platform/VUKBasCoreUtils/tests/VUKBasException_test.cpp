@@ -1,14 +1,14 @@
 #include "VUKBasException.h"
 
-#include <exception>
-#include <string>
-#include <type_traits>
-
-#include <gtest/gtest.h>
-
 #include "VUKBasAssertException.h"
 #include "VUKBasRangeException.h"
 #include "mem_Watch.h"
+
+#include <gtest/gtest.h>
+
+#include <exception>
+#include <string>
+#include <type_traits>
 
 namespace {
 
@@ -183,7 +183,8 @@ TEST(AssertException, CutsALongTextBetweenCharacters)
 {
     EXPECT_EQ(VUKBasAssertException(std::string(255, 'a').c_str()).Text(), std::string(255, 'a'));
     EXPECT_EQ(VUKBasAssertException(std::string(256, 'a').c_str()).Text(), std::string(255, 'a'));
-    const std::string euroAtTheEnd = std::string(254, 'a') + "\xE2\x82\xAC";
+    std::string euroAtTheEnd(257, 'a');
+    euroAtTheEnd.replace(254, 3, "\xE2\x82\xAC");
     EXPECT_EQ(VUKBasAssertException(euroAtTheEnd.c_str()).Text(), std::string(254, 'a'));
 }
 

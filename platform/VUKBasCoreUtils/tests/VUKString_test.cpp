@@ -1,15 +1,15 @@
 #include "VUKString.h"
 
+#include "RepeatedPages.h"
+#include "VUKBasRangeException.h"
+#include "mem_Watch.h"
+
+#include <gtest/gtest.h>
+
 #include <cstring>
 #include <memory>
 #include <new>
 #include <utility>
-
-#include <gtest/gtest.h>
-
-#include "RepeatedPages.h"
-#include "VUKBasRangeException.h"
-#include "mem_Watch.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #include "omi_gettimeofday.h"
 
-#include <ctime>
-
 #include <gtest/gtest.h>
+
+#include <ctime>
 
 TEST(GetTimeOfDay, AgreesWithTheSystemsClock)
 {

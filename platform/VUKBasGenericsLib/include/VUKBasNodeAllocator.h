@@ -1,9 +1,9 @@
 #pragma once
 
+#include "mem_Alloc.h"
+
 #include <cstddef>
 #include <new>
-
-#include "mem_Alloc.h"
 
 /// Gives the nodes of a tree their memory: small blocks, one at a time. Stateless, in the form that
 /// the standard containers ask for.
@@ -15,8 +15,10 @@ public:
 
     VUKBasNodeAllocator() = default;
 
+    // Implicit: containers go from the element's type to the node's.
     template <class U>
-    VUKBasNodeAllocator(const VUKBasNodeAllocator<U>&) noexcept // implicit: containers rebind
+    // NOLINTNEXTLINE(google-explicit-constructor)
+    VUKBasNodeAllocator(const VUKBasNodeAllocator<U>&) noexcept
     {}
 
     [[nodiscard]] T* allocate(std::size_t count)

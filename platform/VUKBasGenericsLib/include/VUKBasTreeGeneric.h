@@ -1,10 +1,10 @@
 #pragma once
 
+#include "VUKBas_Export.h"
+
 #include <cstddef>
 #include <set>
 #include <utility>
-
-#include "VUKBas_Export.h"
 
 /// A sorted tree of elements with unique keys.
 ///

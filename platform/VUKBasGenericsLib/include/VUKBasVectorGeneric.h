@@ -1,12 +1,12 @@
 #pragma once
 
+#include "VUKBasRangeException.h"
+#include "VUKBasStdAllocator.h"
+
 #include <cstddef>
 #include <new>
 #include <utility>
 #include <vector>
-
-#include "VUKBasRangeException.h"
-#include "VUKBasStdAllocator.h"
 
 /// A row of elements in one block, growing at its end. Sizes and indices are signed 64-bit, so that
 /// they compare with signed and unsigned 32-bit indices exactly and without a cast.

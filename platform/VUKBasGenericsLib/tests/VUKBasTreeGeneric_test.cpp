@@ -1,14 +1,14 @@
 #include "VUKBasTreeGeneric.h"
 
-#include <new>
-#include <type_traits>
-
-#include <gtest/gtest.h>
-
 #include "VUKBasNodeAllocator.h"
 #include "VUKBasPair.h"
 #include "VUKBasStandardComparitor.h"
 #include "mem_Watch.h"
+
+#include <gtest/gtest.h>
+
+#include <new>
+#include <type_traits>
 
 namespace {
 
@@ -125,7 +125,7 @@ TEST(TreeGeneric, FindsWithoutAllocating)
 TEST(TreeGeneric, GivesItsComparatorTheKeysAndNoContext)
 {
     VUKBasTreeGeneric<VUKBasNodeAllocator, VUKBasPair<const int, int>, CompareAndNoteContext> tree;
-    int marker = 0;
+    static int marker = 0;
     gContext = &marker;
     tree.InsertUnique({1, 10});
     tree.InsertUnique({2, 20});

@@ -1,16 +1,16 @@
 #include "VUKBasVectorGeneric.h"
 
+#include "VUKString.h"
+#include "mem_Watch.h"
+
+#include <gtest/gtest.h>
+
 #include <climits>
 #include <memory>
 #include <new>
 #include <numeric>
 #include <type_traits>
 #include <utility>
-
-#include <gtest/gtest.h>
-
-#include "VUKString.h"
-#include "mem_Watch.h"
 
 namespace {
 

@@ -1,16 +1,20 @@
 #pragma once
 
+#include "VUKBasSharedCounts.h"
+#include "mem_Alloc.h"
+
 #include <concepts>
 #include <cstddef>
 #include <new>
 #include <type_traits>
 #include <utility>
 
-#include "VUKBasSharedCounts.h"
-#include "mem_Alloc.h"
-
 template <class T>
 class VUKBasWeakPtr;
+
+/// A pointer on U serves as a pointer on T: U is T, or derived from it.
+template <class U, class T>
+concept VUKBasPointsLike = std::convertible_to<U*, T*>;
 
 /// Shares an object with its copies; the last of them destroys it.
 ///
@@ -22,12 +26,11 @@ class VUKBAS_EXPORT VUKBasSharedPtr
 {
 public:
     VUKBasSharedPtr() noexcept = default;
-    VUKBasSharedPtr(std::nullptr_t) noexcept {}
+    VUKBasSharedPtr(std::nullptr_t) noexcept {} // NOLINT(google-explicit-constructor)
 
     /// Takes over `adopted`, which was made with `new`; null gives an empty pointer.
     /// \throws std::bad_alloc when there is no memory for the counts; `adopted` is then deleted.
-    template <class U>
-    requires std::convertible_to<U*, T*>
+    template <VUKBasPointsLike<T> U>
     explicit VUKBasSharedPtr(U* adopted)
         : mObject(adopted), mCounts(adopted != nullptr ? NewCounts(adopted) : nullptr)
     {}
@@ -45,10 +48,11 @@ public:
           mCounts(std::exchange(other.mCounts, nullptr))
     {}
 
-    /// From a pointer on a derived class.
-    template <class U>
-    requires std::convertible_to<U*, T*> VUKBasSharedPtr(const VUKBasSharedPtr<U>& other)
-    noexcept : mObject(other.mObject), mCounts(other.mCounts)
+    /// From a pointer on a derived class; implicit, as between plain pointers.
+    template <VUKBasPointsLike<T> U>
+    // NOLINTNEXTLINE(google-explicit-constructor)
+    VUKBasSharedPtr(const VUKBasSharedPtr<U>& other) noexcept
+        : mObject(other.mObject), mCounts(other.mCounts)
     {
         if (mCounts != nullptr) {
             mCounts->AddStrong();
@@ -62,15 +66,9 @@ public:
         }
     }
 
-    VUKBasSharedPtr& operator=(const VUKBasSharedPtr& other) noexcept
+    VUKBasSharedPtr& operator=(VUKBasSharedPtr other) noexcept
     {
-        VUKBasSharedPtr(other).swap(*this);
-        return *this;
-    }
-
-    VUKBasSharedPtr& operator=(VUKBasSharedPtr&& other) noexcept
-    {
-        VUKBasSharedPtr(std::move(other)).swap(*this);
+        swap(other);
         return *this;
     }
 

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <concepts>
-#include <utility>
-
 #include "VUKBasSharedCounts.h"
 #include "VUKBasSharedPtr.h"
+
+#include <utility>
 
 /// Remembers a shared object without keeping it alive. A default pointer is empty.
 ///
@@ -16,9 +15,10 @@ public:
     VUKBasWeakPtr() noexcept = default;
 
     /// Implicit: a shared pointer serves wherever a weak one is asked for.
-    template <class U>
-    requires std::convertible_to<U*, T*> VUKBasWeakPtr(const VUKBasSharedPtr<U>& shared)
-    noexcept : mObject(shared.mObject), mCounts(shared.mCounts)
+    template <VUKBasPointsLike<T> U>
+    // NOLINTNEXTLINE(google-explicit-constructor)
+    VUKBasWeakPtr(const VUKBasSharedPtr<U>& shared) noexcept
+        : mObject(shared.mObject), mCounts(shared.mCounts)
     {
         if (mCounts != nullptr) {
             mCounts->AddWeak();
@@ -45,15 +45,9 @@ public:
         }
     }
 
-    VUKBasWeakPtr& operator=(const VUKBasWeakPtr& other) noexcept
+    VUKBasWeakPtr& operator=(VUKBasWeakPtr other) noexcept
     {
-        VUKBasWeakPtr(other).swap(*this);
-        return *this;
-    }
-
-    VUKBasWeakPtr& operator=(VUKBasWeakPtr&& other) noexcept
-    {
-        VUKBasWeakPtr(std::move(other)).swap(*this);
+        swap(other);
         return *this;
     }
 

@@ -10,7 +10,7 @@ class Hidden;
 struct HiddenHolder
 {
     HiddenHolder();
-    HiddenHolder(const VUKBasSharedPtr<Hidden>& shared);
+    explicit HiddenHolder(const VUKBasSharedPtr<Hidden>& shared);
     HiddenHolder(const HiddenHolder& other);
     HiddenHolder& operator=(const HiddenHolder& other);
     ~HiddenHolder();

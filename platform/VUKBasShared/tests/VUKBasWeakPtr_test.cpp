@@ -1,11 +1,11 @@
 #include "VUKBasWeakPtr.h"
 
-#include <utility>
+#include "Counted.h"
+#include "mem_Watch.h"
 
 #include <gtest/gtest.h>
 
-#include "Counted.h"
-#include "mem_Watch.h"
+#include <utility>
 
 namespace {
 
@@ -91,7 +91,8 @@ TEST(WeakPtr, CountsTheWeakPointersAlone)
     VUKBasWeakPtr<Counted> first(shared);
     EXPECT_EQ(first.WeakCount(), 1);
     {
-        const VUKBasWeakPtr<Counted> second(first);
+        VUKBasWeakPtr<Counted> second;
+        second = first;
         EXPECT_EQ(first.WeakCount(), 2);
         EXPECT_EQ(second.UseCount(), 1);
         shared.reset();
@@ -167,7 +168,8 @@ TEST(WeakPtr, MovingAndSwappingKeepTheCount)
     const VUKBasSharedPtr<Counted> shared = VUKBasMakeShared<Counted>(alive, 6);
     VUKBasWeakPtr<Counted> first(shared);
     VUKBasWeakPtr<Counted> second(std::move(first));
-    EXPECT_TRUE(first.expired()); // NOLINT(bugprone-use-after-move): that is what is tested
+    // NOLINTNEXTLINE(bugprone-use-after-move,clang-analyzer-cplusplus.Move): what is tested
+    EXPECT_TRUE(first.expired());
     EXPECT_EQ(second.WeakCount(), 1);
     first.swap(second);
     EXPECT_TRUE(second.expired());

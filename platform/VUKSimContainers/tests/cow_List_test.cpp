@@ -1,13 +1,13 @@
 #include "cow_List.h"
 
-#include <climits>
-#include <new>
-#include <type_traits>
+#include "VUKString.h"
+#include "mem_Watch.h"
 
 #include <gtest/gtest.h>
 
-#include "VUKString.h"
-#include "mem_Watch.h"
+#include <climits>
+#include <new>
+#include <type_traits>
 
 namespace {
 
@@ -26,7 +26,8 @@ TEST(CowList, IsEmptyAtFirstAndTakesNoMemory)
 {
     mem_Watch watch;
     const cow_List<int> list;
-    const cow_List<int> copy(list);
+    cow_List<int> copy;
+    copy = list;
     EXPECT_EQ(copy.Length(), 0);
     EXPECT_TRUE((std::is_same_v<decltype(list.Length()), long long>));
     EXPECT_EQ(watch.Allocations(), 0);
@@ -75,7 +76,8 @@ TEST(CowList, CopiesShareTheirElements)
 {
     const cow_List<int> list = TenTwentyThirty();
     mem_Watch watch;
-    const cow_List<int> copy(list);
+    cow_List<int> copy;
+    copy = list;
     EXPECT_EQ(&copy[1], &list[1]);
     EXPECT_EQ(watch.Allocations(), 0);
 }

@@ -1,11 +1,11 @@
 #include "Border.h"
 
-#include <exception>
-#include <string_view>
-
 #include "VUKBasAssertException.h"
 #include "VUKBasRangeException.h"
 #include "VUKSimExc.h"
+
+#include <exception>
+#include <string_view>
 
 namespace {
 

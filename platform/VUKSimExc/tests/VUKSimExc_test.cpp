@@ -1,17 +1,17 @@
 #include "VUKSimExc.h"
 
+#include "Border.h"
+#include "VUKBasAssertException.h"
+#include "VUKBasRangeException.h"
+#include "mem_Watch.h"
+
+#include <gtest/gtest.h>
+
 #include <cstring>
 #include <exception>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
-
-#include <gtest/gtest.h>
-
-#include "Border.h"
-#include "VUKBasAssertException.h"
-#include "VUKBasRangeException.h"
-#include "mem_Watch.h"
 
 namespace {
 

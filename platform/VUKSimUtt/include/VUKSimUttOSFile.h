@@ -64,7 +64,8 @@ public:
 
     /// Writes all `length` bytes at `position` and returns `length`, or throws. Behind the end of
     /// the file it first leaves zeros up to `position`. After a failure the file is as long as
-    /// before, but bytes that were there already may have been overwritten in part.
+    /// before, what others appended meanwhile included; bytes that were there already may have been
+    /// overwritten in part.
     unsigned long WriteAtomic(unsigned long long position, const char* buffer,
                               unsigned long length);
 

@@ -116,7 +116,7 @@ unsigned long VUKSimUttOSFile::ReadAtomic(unsigned long long position, char* buf
     if (!IsOpen()) {
         ThrowNotOpen({"read", position, length}, mName);
     }
-    if (position >= kLargestPosition) {
+    if (position > kLargestPosition) {
         return 0;
     }
     const unsigned long wanted = std::min<unsigned long long>(length, kLargestPosition - position);

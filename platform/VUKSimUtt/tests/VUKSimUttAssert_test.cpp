@@ -1,10 +1,10 @@
 #include "VUKSimUttAssert.h"
 
+#include <gtest/gtest.h>
+
 #include <stdexcept>
 #include <string>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -31,7 +31,7 @@ void Raise(VUKSimUttAssert::Kind, const char*, const char*, int)
 // Leaves the default handler behind, whatever a test installed.
 class Assert : public testing::Test
 {
-protected:
+public:
     Assert() { gReports.clear(); }
     ~Assert() override { VUKSimUttAssert::SetHandler(nullptr); }
 };

@@ -1,13 +1,13 @@
 #include "VUKSimUttExceptionString.h"
 
-#include <algorithm>
-#include <string>
-#include <type_traits>
+#include "VUKSimUttUtils.h"
+#include "VUKString.h"
 
 #include <gtest/gtest.h>
 
-#include "VUKSimUttUtils.h"
-#include "VUKString.h"
+#include <algorithm>
+#include <string>
+#include <type_traits>
 
 TEST(ExceptionString, IsZeroedByDefault)
 {

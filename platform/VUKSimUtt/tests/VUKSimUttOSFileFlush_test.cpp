@@ -154,7 +154,7 @@ TEST(OSFileFlush, TakesTheWorkingFolderWhenItsNameIsTooLongToOpen)
     VUKSimUttSystemCalls::Current().getcwd = [](char* buffer, std::size_t length) {
         std::memset(buffer, 'x', length);
         buffer[0] = '/';
-        buffer[4089] = '\0'; // with "/a.sim" one byte too many for the system
+        buffer[4090] = '\0'; // with "/a.sim" one byte too many for the system
         return buffer;
     };
     VUKSimUttOSFile file;
@@ -162,7 +162,7 @@ TEST(OSFileFlush, TakesTheWorkingFolderWhenItsNameIsTooLongToOpen)
     EXPECT_EQ(FlushCalls(file, calls), (Names{"fdatasync", "open .", "fsync", "close"}));
     file.Close();
     file.OpenWrite("b");
-    const std::string name = "open /" + std::string(4088, 'x') + "/";
+    const std::string name = "open /" + std::string(4089, 'x') + "/";
     EXPECT_EQ(FlushCalls(file, calls), (Names{"fdatasync", name, "syncfs"}));
 }
 

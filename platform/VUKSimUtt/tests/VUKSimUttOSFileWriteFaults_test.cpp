@@ -136,6 +136,21 @@ TEST(OSFileWriteFaults, BytesThatAnotherAppendedAreNotCutOff)
     EXPECT_EQ(folder.Read("a.sim"), "12345abHERS");
 }
 
+TEST(OSFileWriteFaults, AFileThatAnotherShortenedIsNotLengthened)
+{
+    const TemporaryFolder folder;
+    const VUKString name = folder.Write("a.sim", "12345");
+    VUKSimUttOSFile file;
+    file.OpenUpdate(name);
+    VUKSimUttOSFile other;
+    other.OpenUpdate(name);
+    other.Truncate(2);
+    ScriptedSystemCalls calls;
+    FailWriteAfter(calls, 1, ENOSPC);
+    EXPECT_TRUE(RaisesFileError([&] { file.WriteAtomic(2, "abc", 3); }, "write", ENOSPC));
+    EXPECT_EQ(folder.Read("a.sim"), "12a");
+}
+
 TEST(OSFileWriteFaults, TheFirstErrorIsReportedWhenTheCutFailsToo)
 {
     const TemporaryFolder folder;
