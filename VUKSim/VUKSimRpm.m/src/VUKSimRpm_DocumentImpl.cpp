@@ -54,6 +54,19 @@ signed char ReadVersion(const VUKString& name, int line)
     }
     return VUKSimRpm_PoolHeader::Version(start.bytes);
 }
+
+// The text is the condition, and a text is never false: clang is told that this is meant.
+#ifdef __clang__
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wstring-conversion"
+#endif
+void RefuseMode()
+{
+    VUKSIMRPM_ASSERT(!"Bad mode.", kSource, at::kAddFileBadMode);
+}
+#ifdef __clang__
+#pragma clang diagnostic pop
+#endif
 } // namespace
 
 VUKSimRpm_DocumentImpl::VUKSimRpm_DocumentImpl(const char* signature)
@@ -93,7 +106,7 @@ VUKSimRpm_DocumentImpl::AddFile(const VUKString& name, VUKSimRpm_Document::Acces
         file->OpenWrite(name, false);
         break;
     default:
-        VUKSIMRPM_ASSERT(!"Bad mode.", kSource, at::kAddFileBadMode);
+        RefuseMode();
     }
     mFiles.push_back(file);
     return file;

@@ -28,8 +28,8 @@ public:
     [[nodiscard]] int Get(int row, int column) const noexcept { return ~mData[Index(row, column)]; }
     void Set(int row, int column, int value) noexcept;
 
-    /// Copies the top left block that both have in common; entries outside it keep their value. Rows
-    /// that are untouched in both are left so.
+    /// Copies the top left block that both have in common; entries outside it keep their value.
+    /// Rows that are untouched in both are left so.
     void FillFrom(const VUKSimRpm_Matrix& other) noexcept;
 
     void Swap(VUKSimRpm_Matrix& other) noexcept;
