@@ -15,6 +15,12 @@ target_precompile_headers(vuksim_test_headers PRIVATE <gmock/gmock.h> <gtest/gte
 target_link_libraries(vuksim_test_headers PRIVATE GTest::gmock GTest::gtest)
 # -Wpedantic changes a predefined macro: without it the compiled headers would not fit the tests.
 vuksim_warnings(vuksim_test_headers)
+set_property(TARGET vuksim_test_headers PROPERTY CXX_CLANG_TIDY "")
+
+# Tests are looked over for names and a few cheap mistakes only: each check walks through all of
+# GoogleTest in every file, and the full list would take minutes, to no finding.
+set(checks_for_tests ${CMAKE_CXX_CLANG_TIDY}
+    "--checks=-*,readability-identifier-naming,bugprone-dangling-handle,bugprone-string-constructor,bugprone-suspicious-semicolon,bugprone-unused-raii")
 
 function(vuksim_add_tests name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES;INCLUDES")
@@ -27,6 +33,9 @@ function(vuksim_add_tests name)
     target_precompile_headers(${name} REUSE_FROM vuksim_test_headers)
     target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} GTest::gmock GTest::gtest_main)
     vuksim_warnings(${name})
+    if(CMAKE_CXX_CLANG_TIDY)
+        set_property(TARGET ${name} PROPERTY CXX_CLANG_TIDY "${checks_for_tests}")
+    endif()
     gtest_discover_tests(${name}
         TEST_PREFIX "${name}."
         DISCOVERY_TIMEOUT 60

@@ -25,7 +25,7 @@ std::filesystem::path MakeBeside(const std::filesystem::path& name)
         !(std::filesystem::is_directory(name) && std::filesystem::is_empty(name))) {
         throw std::runtime_error(name.string() + " exists and is not an empty folder");
     }
-    const std::filesystem::path path = name.string() + ".part-" + std::to_string(::getpid());
+    std::filesystem::path path = name.string() + ".part-" + std::to_string(::getpid());
     if (!std::filesystem::create_directory(path)) {
         throw std::runtime_error(path.string() + " exists already");
     }

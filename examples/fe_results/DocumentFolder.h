@@ -8,7 +8,8 @@ namespace fe {
 /// A folder of files that appears under its name whole, or not at all.
 ///
 /// The files are made in a folder beside it, "NAME.part-PID", which Publish renames; a folder that
-/// was never published is removed with all that is in it.
+/// was never published is removed with all that is in it. (A killed process leaves it under that
+/// name.)
 class DocumentFolder
 {
 public:

@@ -8,6 +8,7 @@
 #include "VUKSimRpm_Document.h"
 #include "VUKString.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
@@ -134,19 +135,21 @@ void RoundTrip::Import()
     document.Close();
 }
 
-// Everything is opened the other way round: results before their meshes, the last file first, so
-// that references lead to pools that the document does not know yet.
+// All files are opened the other way round, so that references lead to pools that the document does
+// not know yet.
 void RoundTrip::Export()
 {
     if (!mOptions.quiet) {
-        mOut << "\nClosed; opened again in the other order, results before meshes\n";
+        mOut << "\nClosed; opened again in reverse order, results before their meshes\n";
     }
+    std::vector<std::string> files;
+    for (const Item& item : mItems) {
+        files.insert(files.end(), {MeshFile(item), ResultsFile(item)});
+    }
+    std::reverse(files.begin(), files.end());
     VUKSimRpm_Document document(kSignature);
-    for (auto item = mItems.rbegin(); item != mItems.rend(); ++item) {
-        Open(document, ResultsFile(*item));
-    }
-    for (auto item = mItems.rbegin(); item != mItems.rend(); ++item) {
-        Open(document, MeshFile(*item));
+    for (const std::string& file : files) {
+        Open(document, file);
     }
     for (const Item& item : mItems) {
         ExportItem(item, document);

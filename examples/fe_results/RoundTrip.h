@@ -13,7 +13,7 @@ struct RoundTripOptions
     bool quiet = false;              // tell only what was proved
 };
 
-/// Stores all inputs in one document, closes it, opens its files in the other order, writes every
+/// Stores all inputs in one document, closes it, opens its files in reverse order, writes every
 /// result file again by following locators, compares it with its input byte for byte, and leaves
 /// document and copies in the folder. Tells its story on `out`.
 /// \throws std::exception's heirs, with the reason, when any of it does not hold: nothing is left

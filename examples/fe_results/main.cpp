@@ -14,7 +14,7 @@ constexpr char kUsage[] =
     "\n"
     "Stores result files of a finite-element solver (ASCII .frd, as calculix-ccx writes them) in\n"
     "one document: a file for the mesh and one for the results of each, linked by locators.\n"
-    "Closes it, opens it in another order, writes the result files again from what is stored,\n"
+    "Closes it, opens it in reverse order, writes the result files again from what is stored,\n"
     "and compares them with the originals byte for byte.\n"
     "\n"
     "  --out FOLDER  leave document and copies in FOLDER, which must be new or empty; without it\n"

@@ -95,8 +95,7 @@ TEST(BStreamReadBuffer, RefusesAnEmptyTextOnceItsLengthIsRead)
     const std::string record("\0\0\0\0!", 5);
     Stream stream(record.data(), record.size());
     VUKString text = "before";
-    EXPECT_TRUE(
-        RaisesAssertion([&] { stream.Read(text); }, "requestedLength > 0", kSource, 36));
+    EXPECT_TRUE(RaisesAssertion([&] { stream.Read(text); }, "requestedLength > 0", kSource, 36));
     EXPECT_TRUE(text == "before");
     EXPECT_EQ(Next(stream, 1), "!");
 }

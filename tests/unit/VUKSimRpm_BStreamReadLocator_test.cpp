@@ -39,12 +39,12 @@ std::string Next(Stream& stream, unsigned int length)
     return bytes;
 }
 
-auto Prepares(Stream& stream, unsigned long length)
+auto Preparing(Stream& stream, unsigned long length)
 {
     return [&stream, length] { (void)stream.PrepRead(length); };
 }
 
-auto ReadsAhead(Stream& stream, unsigned int length)
+auto Reading(Stream& stream, unsigned int length)
 {
     return [&stream, length] { (void)Next(stream, length); };
 }
@@ -91,7 +91,7 @@ TEST(BStreamReadLocator, RaisesALesserChunkSizeTo16)
     const OnePool store(Letters(100));
     for (const unsigned long chunkSize : {0UL, 8UL, 15UL, 16UL}) {
         Stream stream(store.Start(), 0, chunkSize);
-        EXPECT_TRUE(RaisesRequestTooBig(Prepares(stream, 17), 17, 16, kSource, 62));
+        EXPECT_TRUE(RaisesRequestTooBig(Preparing(stream, 17), 17, 16, kSource, 62));
         EXPECT_EQ(Prepared(stream, 16), Letters(16));
     }
 }
@@ -100,7 +100,7 @@ TEST(BStreamReadLocator, KeepsAGreaterChunkSize)
 {
     const OnePool store(Letters(100));
     Stream stream(store.Start(), 0, 17);
-    EXPECT_TRUE(RaisesRequestTooBig(Prepares(stream, 18), 18, 17, kSource, 62));
+    EXPECT_TRUE(RaisesRequestTooBig(Preparing(stream, 18), 18, 17, kSource, 62));
     EXPECT_EQ(Prepared(stream, 17), Letters(17));
 }
 
@@ -108,7 +108,7 @@ TEST(BStreamReadLocator, RefusesToPrepareNothing)
 {
     const OnePool store(Letters(100));
     Stream stream(store.Start(), 0, 16);
-    EXPECT_TRUE(RaisesAssertion(Prepares(stream, 0), "requestedLength > 0", kSource, 37));
+    EXPECT_TRUE(RaisesAssertion(Preparing(stream, 0), "requestedLength > 0", kSource, 37));
 }
 
 TEST(BStreamReadLocator, ReadsNothingWithoutTouchingAnything)
@@ -150,8 +150,7 @@ TEST(BStreamReadLocator, MovesWhatIsLeftToTheFrontAndReadsTheRestOfAChunk)
     EXPECT_EQ(Prepared(stream, 10), Letters(100).substr(10, 10)); // 6 held, 10 more
     EXPECT_EQ(Prepared(stream, 6), Letters(100).substr(20, 6));
     EXPECT_EQ(Prepared(stream, 16), Letters(100).substr(26, 16));
-    EXPECT_THAT(Reads(calls),
-                ElementsAre(Transfer{80, 16}, Transfer{96, 10}, Transfer{106, 16}));
+    EXPECT_THAT(Reads(calls), ElementsAre(Transfer{80, 16}, Transfer{96, 10}, Transfer{106, 16}));
 }
 
 TEST(BStreamReadLocator, ReadsAheadAWholeChunkWhateverTheLimit)
@@ -161,7 +160,7 @@ TEST(BStreamReadLocator, ReadsAheadAWholeChunkWhateverTheLimit)
     Stream stream(store.Start(), 4, 64);
     EXPECT_EQ(Prepared(stream, 4), "abcd");
     EXPECT_THAT(Reads(calls), ElementsAre(Transfer{80, 64}));
-    EXPECT_TRUE(RaisesShortBuffer(Prepares(stream, 1), 5, 4, kSource, 59));
+    EXPECT_TRUE(RaisesShortBuffer(Preparing(stream, 1), 5, 4, kSource, 59));
 }
 
 TEST(BStreamReadLocator, StopsAtTheLimit)
@@ -170,10 +169,10 @@ TEST(BStreamReadLocator, StopsAtTheLimit)
     Stream stream(store.Start(), 10, 64);
     EXPECT_EQ(Next(stream, 4), "abcd");
     EXPECT_EQ(Next(stream, 4), "efgh");
-    EXPECT_TRUE(RaisesShortBuffer(ReadsAhead(stream, 4), 12, 10, kSource, 75));
-    EXPECT_TRUE(RaisesShortBuffer(Prepares(stream, 4), 12, 10, kSource, 59));
+    EXPECT_TRUE(RaisesShortBuffer(Reading(stream, 4), 12, 10, kSource, 75));
+    EXPECT_TRUE(RaisesShortBuffer(Preparing(stream, 4), 12, 10, kSource, 59));
     EXPECT_EQ(Next(stream, 2), "ij"); // the limit itself can be reached
-    EXPECT_TRUE(RaisesShortBuffer(ReadsAhead(stream, 1), 11, 10, kSource, 75));
+    EXPECT_TRUE(RaisesShortBuffer(Reading(stream, 1), 11, 10, kSource, 75));
 }
 
 TEST(BStreamReadLocator, StopsALongRunAtTheLimitBeforeAnythingIsRead)
@@ -182,7 +181,7 @@ TEST(BStreamReadLocator, StopsALongRunAtTheLimitBeforeAnythingIsRead)
     Stream stream(store.Start(), 50, 16);
     EXPECT_EQ(Next(stream, 4), "abcd");
     const ScriptedSystemCalls calls;
-    EXPECT_TRUE(RaisesShortBuffer(ReadsAhead(stream, 47), 51, 50, kSource, 75));
+    EXPECT_TRUE(RaisesShortBuffer(Reading(stream, 47), 51, 50, kSource, 75));
     EXPECT_THAT(Reads(calls), IsEmpty());
     EXPECT_EQ(Next(stream, 46), Letters(50).substr(4));
 }
@@ -198,14 +197,13 @@ TEST(BStreamReadLocator, LooksAtTheLimitBeforeTheChunkSize)
 {
     const OnePool store(Letters(100));
     Stream stream(store.Start(), 10, 16);
-    EXPECT_TRUE(RaisesShortBuffer(Prepares(stream, 17), 17, 10, kSource, 59));
+    EXPECT_TRUE(RaisesShortBuffer(Preparing(stream, 17), 17, 10, kSource, 59));
 }
 
 TEST(BStreamReadLocator, ReadsAheadBeforeItLooksAtTheLimit)
 {
     Stream stream(VUKSimRpm_Locator(), 10, 16);
-    EXPECT_TRUE(
-        Raises<VUKSimExcCantDerefLocator>(Prepares(stream, 17), kLocatorSource, 117));
+    EXPECT_TRUE(Raises<VUKSimExcCantDerefLocator>(Preparing(stream, 17), kLocatorSource, 117));
 }
 
 TEST(BStreamReadLocator, SaysHowManyBytesItHoldsWhenThePoolDeliversTooFew)
@@ -213,10 +211,10 @@ TEST(BStreamReadLocator, SaysHowManyBytesItHoldsWhenThePoolDeliversTooFew)
     const OnePool store("0123456789");
     Stream stream(store.Start(), 0, 16);
     EXPECT_EQ(Prepared(stream, 4), "0123");
-    EXPECT_TRUE(RaisesRequestTooBig(Prepares(stream, 8), 8, 6, kSource, 62));
-    EXPECT_TRUE(RaisesRequestTooBig(ReadsAhead(stream, 7), 7, 6, kSource, 62));
+    EXPECT_TRUE(RaisesRequestTooBig(Preparing(stream, 8), 8, 6, kSource, 62));
+    EXPECT_TRUE(RaisesRequestTooBig(Reading(stream, 7), 7, 6, kSource, 62));
     EXPECT_EQ(Prepared(stream, 6), "456789");
-    EXPECT_TRUE(RaisesRequestTooBig(Prepares(stream, 1), 1, 0, kSource, 62));
+    EXPECT_TRUE(RaisesRequestTooBig(Preparing(stream, 1), 1, 0, kSource, 62));
 }
 
 TEST(BStreamReadLocator, IsNotFooledBySumsThatWrap)
@@ -225,18 +223,18 @@ TEST(BStreamReadLocator, IsNotFooledBySumsThatWrap)
     Stream limited(store.Start(), 10, 16);
     EXPECT_EQ(Prepared(limited, 4), "abcd");
     // 4 + 2^64 - 1 is 3 in 64 bits, below the limit.
-    EXPECT_TRUE(RaisesShortBuffer(Prepares(limited, kHuge), 3, 10, kSource, 59));
+    EXPECT_TRUE(RaisesShortBuffer(Preparing(limited, kHuge), 3, 10, kSource, 59));
     EXPECT_EQ(Prepared(limited, 4), "efgh");
 
     Stream unlimited(store.Start(), 0, 16);
     EXPECT_EQ(Prepared(unlimited, 4), "abcd");
-    EXPECT_TRUE(RaisesRequestTooBig(Prepares(unlimited, kHuge), 4294967295U, 16, kSource, 62));
-    EXPECT_TRUE(RaisesRequestTooBig(Prepares(unlimited, kHuge - 3), 4294967292U, 16, kSource, 62));
+    EXPECT_TRUE(RaisesRequestTooBig(Preparing(unlimited, kHuge), 4294967295U, 16, kSource, 62));
+    EXPECT_TRUE(RaisesRequestTooBig(Preparing(unlimited, kHuge - 3), 4294967292U, 16, kSource, 62));
     EXPECT_EQ(Prepared(unlimited, 4), "efgh");
 
     Stream widest(store.Start(), kHuge, 16);
     EXPECT_EQ(Prepared(widest, 4), "abcd");
-    EXPECT_TRUE(RaisesShortBuffer(Prepares(widest, kHuge), 3, 4294967295U, kSource, 59));
+    EXPECT_TRUE(RaisesShortBuffer(Preparing(widest, kHuge), 3, 4294967295U, kSource, 59));
 }
 
 // Runs longer than a chunk
@@ -249,8 +247,7 @@ TEST(BStreamReadLocator, ReadsALongRunPastTheBuffer)
     EXPECT_EQ(Next(stream, 5), Letters(200).substr(0, 5));
     EXPECT_EQ(Next(stream, 100), Letters(200).substr(5, 100)); // 11 held, then 89
     EXPECT_EQ(Next(stream, 5), Letters(200).substr(105, 5));
-    EXPECT_THAT(Reads(calls),
-                ElementsAre(Transfer{80, 16}, Transfer{96, 89}, Transfer{185, 16}));
+    EXPECT_THAT(Reads(calls), ElementsAre(Transfer{80, 16}, Transfer{96, 89}, Transfer{185, 16}));
 }
 
 TEST(BStreamReadLocator, ReadsARunOfAChunkThroughTheBuffer)
@@ -269,7 +266,7 @@ TEST(BStreamReadLocator, GoesOnBehindALongRunThatCameBeforeTheFirstChunk)
     Stream stream(store.Start(), 120, 16);
     EXPECT_EQ(Next(stream, 100), Letters(200).substr(0, 100));
     EXPECT_EQ(Prepared(stream, 8), Letters(200).substr(100, 8));
-    EXPECT_TRUE(RaisesShortBuffer(ReadsAhead(stream, 13), 121, 120, kSource, 75));
+    EXPECT_TRUE(RaisesShortBuffer(Reading(stream, 13), 121, 120, kSource, 75));
 }
 
 TEST(BStreamReadLocator, SaysHowManyBytesALongRunDelivered)
@@ -278,12 +275,11 @@ TEST(BStreamReadLocator, SaysHowManyBytesALongRunDelivered)
     Stream stream(store.Start(), 1000, 16);
     EXPECT_EQ(Next(stream, 4), "abcd");
     std::string bytes(200, '.');
-    EXPECT_TRUE(
-        RaisesRequestTooBig([&] { stream.Read(bytes.data(), 200); }, 200, 96, kSource, 62));
+    EXPECT_TRUE(RaisesRequestTooBig([&] { stream.Read(bytes.data(), 200); }, 200, 96, kSource, 62));
     EXPECT_EQ(bytes, Letters(100).substr(4) + std::string(104, '.'));
     // What was delivered is consumed: 100 bytes lie behind, 900 before the limit.
-    EXPECT_TRUE(RaisesShortBuffer(ReadsAhead(stream, 901), 1001, 1000, kSource, 75));
-    EXPECT_TRUE(RaisesRequestTooBig(ReadsAhead(stream, 900), 900, 0, kSource, 62));
+    EXPECT_TRUE(RaisesShortBuffer(Reading(stream, 901), 1001, 1000, kSource, 75));
+    EXPECT_TRUE(RaisesRequestTooBig(Reading(stream, 900), 900, 0, kSource, 62));
 }
 
 // Failures in the middle
@@ -296,8 +292,8 @@ TEST(BStreamReadLocator, KeepsWhatItHoldsWhenTheReadAheadFails)
     {
         ScriptedSystemCalls calls;
         calls.FailAlways(SystemCall::Pread, EIO);
-        EXPECT_TRUE(RaisesFileError(Prepares(stream, 10), "read", EIO));
-        EXPECT_TRUE(RaisesFileError(Prepares(stream, 10), "read", EIO));
+        EXPECT_TRUE(RaisesFileError(Preparing(stream, 10), "read", EIO));
+        EXPECT_TRUE(RaisesFileError(Preparing(stream, 10), "read", EIO));
         EXPECT_EQ(Prepared(stream, 4), Letters(100).substr(10, 4));
     }
     EXPECT_EQ(Prepared(stream, 10), Letters(100).substr(14, 10));
@@ -313,8 +309,7 @@ TEST(BStreamReadLocator, GoesOnBehindTheBytesItHeldWhenALongRunFails)
     {
         ScriptedSystemCalls calls;
         calls.FailAlways(SystemCall::Pread, EIO);
-        EXPECT_TRUE(
-            RaisesFileError([&] { stream.Read(bytes.data(), 50); }, "read", EIO));
+        EXPECT_TRUE(RaisesFileError([&] { stream.Read(bytes.data(), 50); }, "read", EIO));
     }
     EXPECT_EQ(bytes.substr(0, 6), Letters(100).substr(10, 6)); // delivered, and so consumed
     EXPECT_EQ(Prepared(stream, 8), Letters(100).substr(16, 8));
@@ -326,7 +321,7 @@ TEST(BStreamReadLocator, CanBeUsedAgainWhenThereWasNoMemory)
     Stream stream(store.Start(), 0, 16);
     {
         const LimitedMemory memory(0);
-        EXPECT_TRUE(RaisesBadAlloc(Prepares(stream, 10)));
+        EXPECT_TRUE(RaisesBadAlloc(Preparing(stream, 10)));
     }
     EXPECT_EQ(Prepared(stream, 10), Letters(100).substr(0, 10));
 }
@@ -337,9 +332,9 @@ TEST(BStreamReadLocator, FailsAtTheFirstTransferWhenItsPoolIsNotOpen)
     Stream stream(store.Start(), 0, 16);
     Stream nowhere(VUKSimRpm_Locator(), 0, 16);
     store.CloseFile();
-    EXPECT_TRUE(Raises<VUKSimExcCantDerefLocator>(Prepares(stream, 1), kLocatorSource, 117));
-    EXPECT_TRUE(Raises<VUKSimExcCantDerefLocator>(ReadsAhead(stream, 1), kLocatorSource, 117));
-    EXPECT_TRUE(Raises<VUKSimExcCantDerefLocator>(ReadsAhead(nowhere, 99), kLocatorSource, 117));
+    EXPECT_TRUE(Raises<VUKSimExcCantDerefLocator>(Preparing(stream, 1), kLocatorSource, 117));
+    EXPECT_TRUE(Raises<VUKSimExcCantDerefLocator>(Reading(stream, 1), kLocatorSource, 117));
+    EXPECT_TRUE(Raises<VUKSimExcCantDerefLocator>(Reading(nowhere, 99), kLocatorSource, 117));
 }
 
 // Context
@@ -351,8 +346,8 @@ TEST(BStreamReadLocator, HasTheDirectoryOfItsPool)
     EXPECT_EQ(stream.SourceDir(), store.Start().Directory().get());
     EXPECT_EQ(stream.IMPool(), nullptr);
     store.CloseFile();
-    EXPECT_TRUE(Raises<VUKSimExcCantDerefLocator>([&] { (void)stream.SourceDir(); }, kLocatorSource,
-                                                  149));
+    EXPECT_TRUE(
+        Raises<VUKSimExcCantDerefLocator>([&] { (void)stream.SourceDir(); }, kLocatorSource, 149));
 }
 
 TEST(BStreamReadLocator, ReadsThroughTheMemoryPoolOfItsStart)

@@ -219,14 +219,13 @@ TEST(BStreamRead, GivesBackAllItsMemoryWhateverHappens)
 
 TEST(BStreamRead, SpendsNoMemoryOnALengthThatLies)
 {
-    for (const unsigned int length : {0x7FFFFFFFU, 0xFFFFFFFCU, 0xFFFFFFFDU, 0xFFFFFFFEU,
-                                      0xFFFFFFFFU}) {
+    for (const unsigned int length :
+         {0x7FFFFFFFU, 0xFFFFFFFCU, 0xFFFFFFFDU, 0xFFFFFFFEU, 0xFFFFFFFFU}) {
         const std::string record = bytes::Word(length) + "only this";
         VUKSimRpm_BStreamReadBuffer stream(record.data(), record.size());
         VUKString text = "before";
         const CountedMemory memory;
-        EXPECT_TRUE(
-            Raises<VUKSimExcShortBuffer>([&] { stream.Read(text); }, kBufferSource, 40));
+        EXPECT_TRUE(Raises<VUKSimExcShortBuffer>([&] { stream.Read(text); }, kBufferSource, 40));
         EXPECT_TRUE(text == "before");
         EXPECT_LE(memory.Peak(), 2097152U) << length;
     }

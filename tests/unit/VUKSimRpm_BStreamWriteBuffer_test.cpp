@@ -91,8 +91,8 @@ TEST(BStreamWriteBuffer, RefusesAnEmptyTextOnceItsLengthIsWritten)
 {
     char room[] = "?????";
     Stream stream(room, 5);
-    EXPECT_TRUE(RaisesAssertion([&] { stream.Write(VUKString()); }, "requestedLength > 0", kSource,
-                                36));
+    EXPECT_TRUE(
+        RaisesAssertion([&] { stream.Write(VUKString()); }, "requestedLength > 0", kSource, 36));
     EXPECT_EQ(std::string(room, 5), std::string("\0\0\0\0?", 5));
     EXPECT_EQ(stream.PrepWrite(1), room + 4);
 }

@@ -94,8 +94,7 @@ TEST(BStreamWrite, WritesTextsOfEveryLengthAroundItsBuffers)
     for (const unsigned int length : {1U, 251U, 252U, 253U, 254U, 255U, 256U, 257U, 100001U}) {
         const unsigned int padded = (length + 3) / 4 * 4;
         EXPECT_EQ(Written(Letters(length).c_str(), padded + 5),
-                  bytes::Word(length) + Letters(length) +
-                      bytes::Zeros(padded - length) + "?")
+                  bytes::Word(length) + Letters(length) + bytes::Zeros(padded - length) + "?")
             << length;
     }
 }
@@ -137,8 +136,7 @@ TEST(BStreamWrite, GivesBackItsMemoryWhenTheStreamFails)
     std::string buffer(1000, '?');
     VUKSimRpm_BStreamWriteBuffer stream(buffer.data(), buffer.size());
     const CountedMemory memory;
-    EXPECT_TRUE(
-        RaisesShortBuffer([&] { stream.Write(text); }, 1000, 996, kBufferSource, 40));
+    EXPECT_TRUE(RaisesShortBuffer([&] { stream.Write(text); }, 1000, 996, kBufferSource, 40));
     EXPECT_EQ(memory.Allocations(), 1);
     EXPECT_EQ(memory.Blocks(), 0U);
 }

@@ -155,7 +155,8 @@ TEST_F(AppendPoolFailures, LeavesAnEmptyPoolDroppedAfterAFailure)
     EXPECT_TRUE(Raises<VUKSimExcShortPool>([&] { mFile.AppendPool(source); }, kSource, 190));
     EXPECT_EQ(mFile.PoolCount(), 0U);
     EXPECT_FALSE(PoolIn(0));
-    EXPECT_TRUE(RaisesAssertion([&] { (void)mFile.Pool(); }, "mCurrentPoolIndex >= 0", kSource, 270));
+    EXPECT_TRUE(
+        RaisesAssertion([&] { (void)mFile.Pool(); }, "mCurrentPoolIndex >= 0", kSource, 270));
     EXPECT_EQ(mFile.LogicalEnd(), 81U);
 }
 

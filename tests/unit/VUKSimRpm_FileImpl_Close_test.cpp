@@ -11,7 +11,8 @@
 
 namespace {
 
-// A file for update of two pools: `a`, 84 bytes with the data `data`, and `b` behind it with `tail`.
+// A file for update of two pools: `a`, 84 bytes with the data `data`, and `b` behind it with
+// `tail`.
 class FileImplClose : public FileFixture
 {
 protected:

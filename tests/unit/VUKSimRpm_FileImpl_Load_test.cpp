@@ -19,14 +19,8 @@ constexpr char kDirectorySource[] = "VUKSim/VUKSimRpm.m/src/VUKSimRpm_PoolDirect
 class FileImplLoad : public FileFixture
 {
 protected:
-    void OpenRead(const std::string& stored)
-    {
-        mFile.OpenRead(mFolder.Write("a.sim", stored));
-    }
-    void OpenUpdate(const std::string& stored)
-    {
-        mFile.OpenUpdate(mFolder.Write("a.sim", stored));
-    }
+    void OpenRead(const std::string& stored) { mFile.OpenRead(mFolder.Write("a.sim", stored)); }
+    void OpenUpdate(const std::string& stored) { mFile.OpenUpdate(mFolder.Write("a.sim", stored)); }
 
     // `a` at 0, 84 bytes; `b` at 84, 116 bytes, refers to `a`; `c` at 200, 82 bytes: 282 in all.
     const std::vector<bytes::Pool> mThree{
@@ -240,8 +234,8 @@ TEST_F(FileImplLoad, RefusesAPoolThatIsOpenInTheDocument)
     OpenRead(bytes::File(mThree));
     VUKSimRpm_FileImpl copy(mDocument);
     const VUKString name = mFolder.Write("copy.sim", mThree[1].Bytes());
-    EXPECT_TRUE(Raises<VUKSimExcPoolAlreadyInDoc>([&] { copy.OpenRead(name); }, kDirectorySource,
-                                                  75));
+    EXPECT_TRUE(
+        Raises<VUKSimExcPoolAlreadyInDoc>([&] { copy.OpenRead(name); }, kDirectorySource, 75));
     EXPECT_EQ(copy.PoolCount(), 0U);
 }
 
@@ -249,8 +243,8 @@ TEST_F(FileImplLoad, RefusesTwoPoolsOfOneUuidInOneFile)
 {
     const std::string twice = mThree[0].Bytes() + mThree[0].Bytes();
     const VUKString name = mFolder.Write("a.sim", twice);
-    EXPECT_TRUE(Raises<VUKSimExcPoolAlreadyInDoc>([&] { mFile.OpenRead(name); }, kDirectorySource,
-                                                  75));
+    EXPECT_TRUE(
+        Raises<VUKSimExcPoolAlreadyInDoc>([&] { mFile.OpenRead(name); }, kDirectorySource, 75));
     EXPECT_EQ(mFile.PoolCount(), 1U);
 }
 
@@ -287,8 +281,8 @@ TEST_F(FileImplLoad, EndsWhenALengthLeadsBackToAPoolThatIsOpen)
     VUKSimRpm_DocumentImpl other("TEST");
     VUKSimRpm_FileImpl file(other);
     const VUKString begin = mFolder.Write("b.sim", bytes::File(pools));
-    EXPECT_TRUE(Raises<VUKSimExcPoolAlreadyInDoc>([&] { file.OpenRead(begin); }, kDirectorySource,
-                                                  75));
+    EXPECT_TRUE(
+        Raises<VUKSimExcPoolAlreadyInDoc>([&] { file.OpenRead(begin); }, kDirectorySource, 75));
     EXPECT_EQ(file.PoolCount(), 2U);
 }
 
@@ -301,8 +295,8 @@ TEST_F(FileImplLoad, RefusesAHugeDirectoryCountWithoutAllocatingForIt)
         const VUKString name = mFolder.Write("a.sim", pool.Bytes());
         VUKSimRpm_FileImpl file(mDocument);
         const CountedMemory memory;
-        EXPECT_TRUE(Raises<VUKSimExcCorruptDirectory>([&] { file.OpenRead(name); }, kPoolSource,
-                                                      106))
+        EXPECT_TRUE(
+            Raises<VUKSimExcCorruptDirectory>([&] { file.OpenRead(name); }, kPoolSource, 106))
             << "count " << count;
         EXPECT_LT(memory.Peak(), 10000U);
         EXPECT_EQ(Map()->Length(), 0);

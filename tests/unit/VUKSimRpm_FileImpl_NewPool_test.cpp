@@ -130,10 +130,9 @@ TEST_F(NewPool, FreezesAPoolWhoseDataWasNeverWritten)
     mFile.NewPool(true, mB.c_str());
     EXPECT_EQ(mFile.PoolCount(), 2U);
     EXPECT_EQ(mFolder.Read("a.sim"),
-              bytes::File({{.length = "0000000000000081",
-                            .directory = {mA},
-                            .data = std::string(1, '\0')},
-                           {.directory = {mB}}}));
+              bytes::File(
+                  {{.length = "0000000000000081", .directory = {mA}, .data = std::string(1, '\0')},
+                   {.directory = {mB}}}));
 }
 
 TEST_F(NewPool, ReplacesAnEmptyPoolInItsPlace)
@@ -222,10 +221,10 @@ TEST_F(NewPool, RefusesAReadOnlyFileAndChangesNothing)
     mFile.Close();
     VUKSimRpm_FileImpl file(mDocument);
     file.OpenRead(mFolder.File("a.sim"));
-    EXPECT_TRUE(Raises<VUKSimExcNewPoolReadOnly>([&] { file.NewPool(true, nullptr); }, kSource,
-                                                 101));
-    EXPECT_TRUE(Raises<VUKSimExcNewPoolReadOnly>([&] { file.NewPool(true, "short"); }, kSource,
-                                                 101));
+    EXPECT_TRUE(
+        Raises<VUKSimExcNewPoolReadOnly>([&] { file.NewPool(true, nullptr); }, kSource, 101));
+    EXPECT_TRUE(
+        Raises<VUKSimExcNewPoolReadOnly>([&] { file.NewPool(true, "short"); }, kSource, 101));
     EXPECT_EQ(Map()->Length(), 1);
     EXPECT_EQ(file.PoolCount(), 1U);
     EXPECT_EQ(PoolIn(0), file.Pool().lock());
@@ -289,7 +288,7 @@ TEST_F(NewPool, LeavesThePoolBeforeWithItsLengthWhenItCannotWriteTheNewOne)
     calls.Script(SystemCall::Pwrite, {Passes(), Fails(ENOSPC)});
     EXPECT_TRUE(RaisesFileError([&] { mFile.NewPool(true, mB.c_str()); }, "write", ENOSPC));
     EXPECT_EQ(mFile.PoolCount(), 2U);
-    EXPECT_EQ(mFolder.Read("a.sim"),
-              bytes::Pool({.length = "0000000000000084", .directory = {mA}, .data = "1234"})
-                  .Bytes());
+    EXPECT_EQ(
+        mFolder.Read("a.sim"),
+        bytes::Pool({.length = "0000000000000084", .directory = {mA}, .data = "1234"}).Bytes());
 }

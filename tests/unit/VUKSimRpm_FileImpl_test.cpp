@@ -35,7 +35,8 @@ TEST_F(FileImpl, IsBornWithoutPoolsAndBytes)
 {
     EXPECT_EQ(mFile.PoolCount(), 0U);
     EXPECT_EQ(mFile.LogicalEnd(), 0U);
-    EXPECT_TRUE(RaisesAssertion([&] { (void)mFile.Pool(); }, "mCurrentPoolIndex >= 0", kSource, 270));
+    EXPECT_TRUE(
+        RaisesAssertion([&] { (void)mFile.Pool(); }, "mCurrentPoolIndex >= 0", kSource, 270));
 }
 
 TEST_F(FileImpl, IsReadOnlyWhenOpenedForReadingAlone)
@@ -146,14 +147,16 @@ TEST_F(FileImpl, HasNoPoolsInAnEmptyFileOpenedForReading)
     mFile.OpenRead(mFolder.Write("a.sim", ""));
     EXPECT_EQ(mFile.PoolCount(), 0U);
     EXPECT_EQ(mFile.LogicalEnd(), 0U);
-    EXPECT_TRUE(RaisesAssertion([&] { (void)mFile.Pool(); }, "mCurrentPoolIndex >= 0", kSource, 270));
+    EXPECT_TRUE(
+        RaisesAssertion([&] { (void)mFile.Pool(); }, "mCurrentPoolIndex >= 0", kSource, 270));
 }
 
 TEST_F(FileImpl, HasNoPoolsInAnEmptyFileOpenedForUpdateAndWritesNothing)
 {
     mFile.OpenUpdate(mFolder.Write("a.sim", ""));
     EXPECT_EQ(mFile.PoolCount(), 0U);
-    EXPECT_TRUE(RaisesAssertion([&] { (void)mFile.Pool(); }, "mCurrentPoolIndex >= 0", kSource, 270));
+    EXPECT_TRUE(
+        RaisesAssertion([&] { (void)mFile.Pool(); }, "mCurrentPoolIndex >= 0", kSource, 270));
     mFile.Flush();
     EXPECT_EQ(mFolder.Size("a.sim"), 0U);
     mFile.Close();

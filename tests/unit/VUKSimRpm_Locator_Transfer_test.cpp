@@ -4,12 +4,12 @@
 #include "Bytes.h"
 #include "Failures.h"
 #include "OnePool.h"
+#include "Transfers.h"
 #include "VUKBasSharedPtr.h"
 #include "VUKSimRpm_DirectLocator.h"
 #include "VUKSimRpm_MemoryPool.h"
 #include "VUKSimRpm_PoolImpl.h"
 #include "VUKSimRpm_PoolMap.h"
-#include "Transfers.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -41,14 +41,14 @@ std::string DigitsOf(unsigned long long length)
 TEST(PoolHeader, WritesEveryOfIts48Bytes)
 {
     EXPECT_EQ(Encoded({WordOf("TEST"), 671613264, 0x04030201, 0x08070605, 0x0C0B0A09}),
-              std::string("\x89SIM\r\n\x1A\n"       // signature
-                          "\x06"                    // version
-                          "\0\0\0\0\0\0\0"          // reserved
-                          "TEST"                    // user signature
-                          "0000000671613264"        // length
-                          "\x01\x02\x03\x04"        // reserved1
-                          "\x05\x06\x07\x08"        // reserved2
-                          "\x09\x0A\x0B\x0C",       // directory count
+              std::string("\x89SIM\r\n\x1A\n" // signature
+                          "\x06"              // version
+                          "\0\0\0\0\0\0\0"    // reserved
+                          "TEST"              // user signature
+                          "0000000671613264"  // length
+                          "\x01\x02\x03\x04"  // reserved1
+                          "\x05\x06\x07\x08"  // reserved2
+                          "\x09\x0A\x0B\x0C", // directory count
                           48));
 }
 

@@ -38,10 +38,9 @@ protected:
     }
 
     const bytes::Pool mOuter{.directory = {bytes::Uuid('a')}};
-    const bytes::Pool mGood{
-        .length = "0000000000000120", // 48 + 2 * 32 + 8
-        .directory = {bytes::Uuid('p'), bytes::Uuid('q')},
-        .data = "12345678"};
+    const bytes::Pool mGood{.length = "0000000000000120", // 48 + 2 * 32 + 8
+                            .directory = {bytes::Uuid('p'), bytes::Uuid('q')},
+                            .data = "12345678"};
     VUKSimRpm_FileImpl mFile{mDocument};
     VUKSimRpm_PoolImpl mPool{
         mFile, VUKBasMakeShared<VUKSimRpm_PoolDirectoryImpl>(mDocument.PoolMap()), 80};
@@ -180,8 +179,8 @@ TEST_F(PoolLoad, CutsALongFileNameToTheTextOfTheException)
         name += "./";
     }
     name += "a.sim";
-    EXPECT_TRUE(RaisesNeedUpgrade([&] { mFile.OpenRead(name.c_str()); }, 6, 7,
-                                  name.substr(0, 1023), kSource, 86));
+    EXPECT_TRUE(RaisesNeedUpgrade([&] { mFile.OpenRead(name.c_str()); }, 6, 7, name.substr(0, 1023),
+                                  kSource, 86));
 }
 
 TEST_F(PoolLoad, RefusesAnotherUserSignature)

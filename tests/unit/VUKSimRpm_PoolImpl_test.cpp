@@ -17,7 +17,10 @@ constexpr char kFileSource[] = "VUKSim/VUKSimRpm.m/src/VUKSimRpm_FileImpl";
 class PoolImpl : public FileFixture
 {
 protected:
-    void OpenUpdate() { mFile.OpenUpdate(mFolder.Write("a.sim", bytes::File({mStoredA, mStoredB}))); }
+    void OpenUpdate()
+    {
+        mFile.OpenUpdate(mFolder.Write("a.sim", bytes::File({mStoredA, mStoredB})));
+    }
     void OpenRead() { mFile.OpenRead(mFolder.Write("a.sim", bytes::File({mStoredA, mStoredB}))); }
 
     VUKSimRpm_PoolImpl& A() { return *mFile.Pool(0).lock(); }

@@ -5,6 +5,7 @@
 #include "TinyResult.h"
 
 #include <gtest/gtest.h>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -119,6 +120,37 @@ TEST_F(FrdWriterTest, AnEmptyBlockComesBack)
     std::vector<std::string> lines = TinyLines();
     lines.erase(lines.begin() + 19, lines.begin() + 21);
     ExpectEqualAgain(Text(lines));
+}
+
+TEST_F(FrdWriterTest, WhateverIsChangedIsRefusedOrComesBackAsItIs)
+{
+    const std::string whole = Text(TinyLines());
+    std::mt19937 random(20);
+    int refused = 0;
+    int returned = 0;
+    for (int i = 0; i < 1000; ++i) {
+        std::string changed = whole;
+        const char byte = "0123456789 -+.EeDNAna\n\r*x"[random() % 26];
+        const std::size_t place = random() % changed.size();
+        switch (random() % 3) {
+        case 0:
+            changed[place] = byte;
+            break;
+        case 1:
+            changed.insert(place, 1, byte);
+            break;
+        default:
+            changed.erase(place, 1 + random() % 20);
+        }
+        try {
+            ASSERT_EQ(Again(changed), changed);
+            ++returned;
+        } catch (const FrdError&) {
+            ++refused;
+        }
+    }
+    EXPECT_GT(refused, 300);
+    EXPECT_GT(returned, 100);
 }
 
 TEST_F(FrdWriterTest, AFileThatCannotBeWrittenIsAnError)
