@@ -26,9 +26,6 @@ option(VUKSIM_TIDY_TESTS "Let clang-tidy, where it runs, look at the tests too" 
 
 function(vuksim_add_tests name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES;INCLUDES")
-    if(NOT arg_SOURCES)
-        return()
-    endif()
     add_executable(${name} ${arg_SOURCES})
     target_compile_features(${name} PRIVATE cxx_std_20)
     target_include_directories(${name} PRIVATE ${arg_INCLUDES})

@@ -10,9 +10,9 @@
 
 enum class CrashModel
 {
-    Killed,      // the process ended between two calls: all it did is on the disk
+    Killed,       // the process ended between two calls: all it did is on the disk
     KilledInCall, // the same in the middle of a write, of which the first bytes are there
-    PowerLost    // of what was done since the last sync each sector may be there, in any version
+    PowerLost     // of what was done since the last sync each sector may be there, in any version
 };
 
 inline constexpr CrashModel kCrashModels[] = {CrashModel::Killed, CrashModel::KilledInCall,
@@ -24,8 +24,8 @@ struct CrashImage
 {
     DiskState files;
     CrashModel model;
-    std::size_t moment;   // events that had happened; with KilledInCall the next was under way
-    std::string choices;  // which of the images of that moment, for people
+    std::size_t moment;  // events that had happened; with KilledInCall the next was under way
+    std::string choices; // which of the images of that moment, for people
 };
 
 using CrashVisitor = std::function<void(const CrashImage&)>;

@@ -93,18 +93,16 @@ TEST(KilledImages, AreTheDiskBeforeBetweenAndBehindTheEvents)
 TEST(KilledImages, CutAShortWriteAtEachByte)
 {
     std::vector<std::string> found;
-    VisitKilledInCall(
-        LogOf({kCreate, Write(0, "abcd"), Write(1, "xyz")}),
-        [&](const CrashImage& image) { found.push_back(image.files[0].bytes); });
+    VisitKilledInCall(LogOf({kCreate, Write(0, "abcd"), Write(1, "xyz")}),
+                      [&](const CrashImage& image) { found.push_back(image.files[0].bytes); });
     EXPECT_THAT(found, ElementsAre("a", "ab", "abc", "axcd", "axyd"));
 }
 
 TEST(KilledImages, CutALongWriteAtItsFirstBytesAndAtPages)
 {
     std::set<std::size_t> sizes;
-    VisitKilledInCall(
-        LogOf({kCreate, Write(0, std::string(9000, 'x'))}),
-        [&](const CrashImage& image) { sizes.insert(image.files[0].bytes.size()); });
+    VisitKilledInCall(LogOf({kCreate, Write(0, std::string(9000, 'x'))}),
+                      [&](const CrashImage& image) { sizes.insert(image.files[0].bytes.size()); });
     EXPECT_EQ(sizes.size(), 130U); // 1 to 128, 4096 and 8192
     EXPECT_EQ(*sizes.rbegin(), 8192U);
 }

@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <string>
 #include <vector>
 
 /// Opens crash images of one run with the real library, holds them against the promises, goes on
@@ -30,6 +31,7 @@ private:
         VUKString name;
         bool refused = false;
         std::vector<PoolView> pools = {};
+        std::string appended = {}; // to the last pool, when the run goes on
     };
 
     void Expect(const CrashImage& image);

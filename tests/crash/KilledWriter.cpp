@@ -6,8 +6,7 @@
 
 namespace {
 
-constexpr std::uint32_t kFlushEach = 7; // records
-constexpr std::uint32_t kPoolEach = 11;
+constexpr std::uint32_t kPoolEach = 11; // records
 
 // Where the data of pool `index` begins in the file.
 std::uint64_t DataBegin(const VUKSimRpm_File& file, std::uint32_t index)
@@ -50,7 +49,7 @@ std::string RecordBytes(std::uint32_t number)
     return bytes;
 }
 
-void WriteRecords(const VUKString& name, WriterReport& report)
+void WriteRecords(const VUKString& name, std::uint32_t flushEach, WriterReport& report)
 {
     VUKSimRpm_Document document("TEST");
     const bool fresh = report.written == 0;
@@ -60,7 +59,7 @@ void WriteRecords(const VUKString& name, WriterReport& report)
     report.inPoolCall = 0;
     while (report.written < WriterReport::kMost) {
         AppendRecord(file, report);
-        if (report.written % kFlushEach == 0) {
+        if (report.written % flushEach == 0) {
             const std::uint32_t covered = report.written;
             file.Flush();
             report.flushed = covered;

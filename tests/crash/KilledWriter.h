@@ -30,7 +30,7 @@ struct WriterReport
 /// The bytes of record `number`.
 [[nodiscard]] std::string RecordBytes(std::uint32_t number);
 
-/// Appends records to the file `name` behind those that `report` tells of, with a flush every few
-/// and a new pool every few more, until there are WriterReport::kMost; then closes the file. With
-/// none told yet it begins the file.
-void WriteRecords(const VUKString& name, WriterReport& report);
+/// Appends records to the file `name` behind those that `report` tells of, with a flush behind each
+/// `flushEach` and a new pool behind each eleven, until there are WriterReport::kMost; then closes
+/// the file. With none told yet it begins the file.
+void WriteRecords(const VUKString& name, std::uint32_t flushEach, WriterReport& report);

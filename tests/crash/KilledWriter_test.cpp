@@ -54,14 +54,15 @@ private:
 class KilledWriter : public testing::Test
 {
 protected:
-    // Runs a writer and kills it after `microseconds`, unless it has finished by then.
-    void RunAndKill(unsigned microseconds)
+    // Runs a writer that flushes every so many records and kills it after `microseconds`, unless it
+    // has finished by then.
+    void RunAndKill(std::uint32_t flushEach, unsigned microseconds)
     {
         const pid_t child = ::fork();
         ASSERT_NE(child, -1);
         if (child == 0) {
             try {
-                WriteRecords(mFolder.File(kFile), *mReport);
+                WriteRecords(mFolder.File(kFile), flushEach, *mReport);
                 ::_exit(0);
             } catch (const std::exception& raised) {
                 std::cerr << "the writer: " << raised.what() << std::endl;
@@ -129,7 +130,9 @@ TEST_F(KilledWriter, LeavesAllThatItReported)
     unsigned inPoolCall = 0;
     unsigned refused = 0;
     while (mKills < wanted && !HasFailure()) {
-        RunAndKill(static_cast<unsigned>(random() % 8000));
+        // A flush takes far longer than all else: the fewer there are, the more kills meet pools.
+        const std::uint32_t flushEach = mKills % 2 == 0 ? 7 : 90;
+        RunAndKill(flushEach, static_cast<unsigned>(random() % 8000));
         CheckBytes();
         if (HasFailure() || !mFolder.Has(kFile)) {
             continue; // killed before it could begin

@@ -41,8 +41,8 @@ struct Ledger
         unsigned long long headerSize;
         std::size_t begin; // of the call that made it
         std::size_t end;
-        unsigned long long dataEnd;    // as the application last left it
-        std::size_t dropped = kNever;  // when the call began that put another in its place
+        unsigned long long dataEnd;   // as the application last left it
+        std::size_t dropped = kNever; // when the call began that put another in its place
     };
 
     /// A call that made, replaced or imported a pool.

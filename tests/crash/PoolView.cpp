@@ -64,8 +64,8 @@ void JudgePresence(const std::vector<PoolView>& found, const FileExpectation& ex
         }
     }
     if (!expected.inPoolCall && found.size() != expected.sure.size()) {
-        outcome.broken.push_back("there are " + std::to_string(found.size()) + " pools instead of " +
-                                 std::to_string(expected.sure.size()));
+        outcome.broken.push_back("there are " + std::to_string(found.size()) +
+                                 " pools instead of " + std::to_string(expected.sure.size()));
     }
 }
 } // namespace
@@ -76,8 +76,11 @@ std::vector<PoolView> ViewPools(const VUKSimRpm_File& file, unsigned long long s
     unsigned long long position = 0;
     for (unsigned i = 0; i < file.PoolCount(); ++i) {
         const VUKSimRpm_Pool pool = file.Pool(i);
-        PoolView view{pool.GetGUID().UTF8(), position,
-                      pool.HeaderSizeBytes() + pool.DirectorySizeBytes(), pool.Length(), {}};
+        PoolView view{pool.GetGUID().UTF8(),
+                      position,
+                      pool.HeaderSizeBytes() + pool.DirectorySizeBytes(),
+                      pool.Length(),
+                      {}};
         view.data.resize(std::min(view.dataLength, size));
         view.data.resize(pool.Start().Read(view.data.size(), view.data.data()));
         position = view.End();
@@ -114,8 +117,8 @@ void JudgeExactBytes(const std::string& image, const FileExpectation& expected, 
     for (const ExactBytes& exact : expected.exact) {
         if (exact.position > image.size() ||
             image.compare(exact.position, exact.bytes.size(), exact.bytes) != 0) {
-            outcome.broken.push_back("P1: among " + std::to_string(exact.bytes.size()) +
-                                     " bytes" + At(exact.position) + " some are not as written");
+            outcome.broken.push_back("P1: among " + std::to_string(exact.bytes.size()) + " bytes" +
+                                     At(exact.position) + " some are not as written");
         }
     }
 }

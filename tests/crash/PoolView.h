@@ -12,7 +12,7 @@
 struct PoolView
 {
     std::string uuid;
-    unsigned long long position;   // of its header: where the pools before it end
+    unsigned long long position; // of its header: where the pools before it end
     unsigned long long headerSize;
     unsigned long long dataLength;
     std::string data; // what reading all of it delivers, up to the file's size

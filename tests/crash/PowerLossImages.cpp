@@ -48,8 +48,7 @@ public:
     // How many values each digit has.
     [[nodiscard]] std::vector<std::size_t> Radices() const
     {
-        std::vector<std::size_t> radices{mNow.present == mDurable.present ? 1U : 2U,
-                                         mSizes.size()};
+        std::vector<std::size_t> radices{mNow.present == mDurable.present ? 1U : 2U, mSizes.size()};
         for (const auto& [sector, versions] : mSectors) {
             radices.push_back(versions.size());
         }

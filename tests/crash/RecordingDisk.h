@@ -42,6 +42,6 @@ private:
     std::string mFolder;
     VUKSimUttSystemCalls mOuter; // the table before, which does the work
     DiskLog mLog;
-    std::map<int, int> mFiles;  // descriptor to file number
+    std::map<int, int> mFiles; // descriptor to file number
     std::set<int> mFolderOpen; // descriptors of the folder itself
 };

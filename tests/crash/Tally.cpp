@@ -18,7 +18,8 @@ std::size_t HashOf(const DiskState& files)
 // A count and its share of `all`.
 void PrintShare(std::ostream& out, std::size_t count, std::size_t all)
 {
-    const double share = all == 0 ? 0.0 : 100.0 * static_cast<double>(count) / static_cast<double>(all);
+    const double share =
+        all == 0 ? 0.0 : 100.0 * static_cast<double>(count) / static_cast<double>(all);
     out << std::setw(7) << count << std::setw(7) << std::fixed << std::setprecision(2) << share
         << '%';
 }

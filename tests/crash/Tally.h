@@ -34,7 +34,7 @@ private:
         std::size_t longer = 0;
         std::size_t pastEnd = 0;
         std::size_t mixedUuid = 0;
-        std::size_t broken = 0; // states with at least one broken promise
+        std::size_t broken = 0;                   // states with at least one broken promise
         std::unordered_set<std::size_t> distinct; // hashes of content
 
         void Add(const Row& other);

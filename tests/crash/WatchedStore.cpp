@@ -82,10 +82,8 @@ void WatchedStore::Opened(const std::string& name, const VUKSimRpm_File& handle,
 
 void WatchedStore::Update(const std::string& name)
 {
-    OpenFile file{mDocument.AddFile(mFolder.File(name), VUKSimRpm_Document::Update),
-                  -1,
-                  mClosed[name],
-                  {}};
+    OpenFile file{
+        mDocument.AddFile(mFolder.File(name), VUKSimRpm_Document::Update), -1, mClosed[name], {}};
     for (std::size_t i = 0; i < Log().Names().size(); ++i) {
         file.number = Log().Names()[i] == name ? static_cast<int>(i) : file.number;
     }
@@ -214,7 +212,8 @@ void WatchedStore::WriteThroughMemory(const std::string& name, unsigned pool,
     Write(file, pool, offset, bytes, [&] { place.Write(bytes.size(), bytes.data()); });
 }
 
-// Twelve bytes: the offset in `target`'s pool, here 7, and the entry that names it in the directory.
+// Twelve bytes: the offset in `target`'s pool, here 7, and the entry that names it in the
+// directory.
 void WatchedStore::AppendReference(const std::string& name, const std::string& target,
                                    unsigned pool)
 {
@@ -299,8 +298,8 @@ void WatchedStore::AddPool(OpenFile& file, const std::string& uuid, std::size_t 
 {
     unsigned long long position = 0;
     if (!file.pools.empty()) {
-        position = DataBegin(file, static_cast<unsigned>(file.pools.size() - 1)) +
-                   file.lengths.back();
+        position =
+            DataBegin(file, static_cast<unsigned>(file.pools.size() - 1)) + file.lengths.back();
     }
     const VUKSimRpm_Pool made = file.handle.Pool();
     const unsigned directory = made.DirectorySizeBytes();
@@ -319,8 +318,8 @@ void WatchedStore::AddPool(OpenFile& file, const std::string& uuid, std::size_t 
                              .begin = begin,
                              .end = Now(),
                              .dataEnd = position + 48 + directory + length});
-    mLedger.deeds.push_back({Ledger::Deed::Kind::Written, file.number, begin, Now(), position + 48,
-                             entries});
+    mLedger.deeds.push_back(
+        {Ledger::Deed::Kind::Written, file.number, begin, Now(), position + 48, entries});
 }
 
 void WatchedStore::Grow(OpenFile& file, unsigned long long length)

@@ -62,7 +62,7 @@ private:
     {
         VUKSimRpm_File handle;
         int number;
-        std::vector<std::size_t> pools; // indices into the ledger's, in file order
+        std::vector<std::size_t> pools;          // indices into the ledger's, in file order
         std::vector<unsigned long long> lengths; // of their data
     };
 
@@ -84,7 +84,7 @@ private:
     RecordingDisk mDisk;
     Ledger mLedger;
     VUKSimRpm_Document mDocument{"TEST"};
-    std::map<std::string, OpenFile> mFiles; // those that are open
+    std::map<std::string, OpenFile> mFiles;                  // those that are open
     std::map<std::string, std::vector<std::size_t>> mClosed; // pools of those that were closed
-    unsigned mByte = 0; // counts the data bytes made
+    unsigned mByte = 0;                                      // counts the data bytes made
 };

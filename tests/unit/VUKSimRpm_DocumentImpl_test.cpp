@@ -60,7 +60,7 @@ TEST_F(DocumentImpl, TakesFourCharactersOfItsSignatureAsTheyLieInMemory)
 
 TEST_F(DocumentImpl, FillsAShortSignatureWithZeros)
 {
-    EXPECT_TRUE(HasSignature(VUKSimRpm_DocumentImpl("ab"), std::string("ab\0\0", 4)));
+    EXPECT_TRUE(HasSignature(VUKSimRpm_DocumentImpl("ab\0xyz"), std::string("ab\0\0", 4)));
     EXPECT_TRUE(HasSignature(VUKSimRpm_DocumentImpl(""), std::string(4, '\0')));
     EXPECT_TRUE(HasSignature(VUKSimRpm_DocumentImpl(nullptr), std::string(4, '\0')));
 }

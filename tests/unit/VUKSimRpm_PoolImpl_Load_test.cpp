@@ -211,6 +211,17 @@ TEST_F(PoolLoad, RefusesOneEntryWithFewerThan32Bytes)
     EXPECT_TRUE(Raises<VUKSimExcCorruptDirectory>([&] { file.OpenRead(name); }, kSource, 106));
 }
 
+TEST_F(PoolLoad, StaysHalfFilledWhenItsDirectoryIsBad)
+{
+    bytes::Pool pool = mGood;
+    pool.count = 99;
+    Store(pool);
+    EXPECT_TRUE(Raises<VUKSimExcCorruptDirectory>([&] { Load(); }, kSource, 106));
+    EXPECT_EQ(mPool.Length(), 120U);
+    EXPECT_EQ(mPool.HeaderSize(), 0U);
+    EXPECT_EQ(mPool.Directory()->Length(), 0);
+}
+
 TEST_F(PoolLoad, AllocatesNothingForADirectoryThatCannotBeThere)
 {
     bytes::Pool pool = mGood;

@@ -247,9 +247,14 @@ void VUKSimRpm_FileImpl::DropEmptyCurrentPool()
     mLogicalEnd = current->Position();
 }
 
+// A pool whose last bytes were never written would get a length that leads behind the file's end,
+// and be left so by a crash before the next pool's header is there: the file first gets that long.
 void VUKSimRpm_FileImpl::FreezeCurrentPool()
 {
     if (mCurrentPoolIndex >= 0) {
+        if (mFile.FileSize() < mLogicalEnd) {
+            mFile.Truncate(mLogicalEnd);
+        }
         const auto& current = mPools[mCurrentPoolIndex];
         current->SetImmutable(true);
         current->Dump();
