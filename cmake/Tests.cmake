@@ -33,10 +33,9 @@ function(vuksim_add_tests name)
     target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} GTest::gmock GTest::gtest_main)
     vuksim_warnings(${name})
     if(NOT VUKSIM_TIDY_TESTS)
-        # GoogleTest's macros take clang-tidy longer than all of the library.
-        set_target_properties(${name} PROPERTIES CXX_CLANG_TIDY "")
-    endif()
-    if(CMAKE_CXX_CLANG_TIDY)
+        # Even so the tests take clang-tidy longer than all of the library.
+        set_property(TARGET ${name} PROPERTY CXX_CLANG_TIDY "")
+    elseif(CMAKE_CXX_CLANG_TIDY)
         set_property(TARGET ${name} PROPERTY CXX_CLANG_TIDY "${checks_for_tests}")
     endif()
     gtest_discover_tests(${name}

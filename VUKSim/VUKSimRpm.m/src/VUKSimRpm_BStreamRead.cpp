@@ -11,7 +11,7 @@ namespace {
 
 // A text of up to this size is read in one go; beyond, memory doubles with what was delivered, so
 // that a damaged length costs nothing.
-constexpr unsigned long long kFirstPiece = 1024 * 1024; // bytes
+constexpr unsigned long long kFirstPiece = 1024ULL * 1024; // bytes
 
 VUKString BuildText(char* bytes, unsigned int length)
 {

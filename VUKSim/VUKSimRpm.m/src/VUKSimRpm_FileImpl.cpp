@@ -225,7 +225,7 @@ VUKBasSharedPtr<VUKSimRpm_PoolDirectoryImpl> VUKSimRpm_FileImpl::NewDirectory() 
 
 VUKBasSharedPtr<VUKSimRpm_PoolImpl> VUKSimRpm_FileImpl::LoadPool(unsigned long long position)
 {
-    const auto pool = VUKBasMakeShared<VUKSimRpm_PoolImpl>(*this, NewDirectory(), position);
+    auto pool = VUKBasMakeShared<VUKSimRpm_PoolImpl>(*this, NewDirectory(), position);
     pool->Load(mLogicalEnd);
     return pool;
 }

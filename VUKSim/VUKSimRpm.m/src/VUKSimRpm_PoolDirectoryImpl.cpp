@@ -35,12 +35,12 @@ constexpr int kInternalizeBeyondMap = 134;
 
 constexpr int kUuidLength = VUKSimRpm_UUID::kLength;
 
-VUKSimRpm_UUID CreateUnusedUUID(const VUKSimRpm_PoolMap& map)
+VUKSimRpm_UUID CreateUnusedUUID(const VUKBasSharedPtr<VUKSimRpm_PoolMap>& map)
 {
     char text[kUuidLength];
     do {
         VUKSimRpm_UUID::CreateUUID(text);
-    } while (map.IsDuplicate(text));
+    } while (map->IsDuplicate(text));
     return VUKSimRpm_UUID(text);
 }
 } // namespace
@@ -70,7 +70,7 @@ void VUKSimRpm_PoolDirectoryImpl::Init(bool ownEntryOnly, const char* guid)
         }
         mySlot = map->NewSlot(guid);
     } else {
-        mySlot = map->NewSlot(CreateUnusedUUID(*map).Text());
+        mySlot = map->NewSlot(CreateUnusedUUID(map).Text());
     }
     mMapSlotList.Append(mySlot);
     const int len = map->Length() - 1;

@@ -82,10 +82,11 @@ void VUKSimRpm_PoolImpl::Load(unsigned long long end)
     if (!VUKSimRpm_PoolHeader::HasSignature(header)) {
         VUKSimExcNotSimFile().Throw(kSource, at::kLoadNoSignature);
     }
-    const int version = VUKSimRpm_PoolHeader::Version(header);
+    const signed char version = VUKSimRpm_PoolHeader::Version(header);
     if (version != VUKSimRpm_PoolHeader::kCurrentVersion) {
         VUKSimExcNeedUpgrade(static_cast<unsigned>(VUKSimRpm_PoolHeader::kCurrentVersion),
-                             static_cast<unsigned>(version), VUKSimUttUtils::Copy(mFile.FileName()))
+                             static_cast<unsigned>(static_cast<int>(version)),
+                             VUKSimUttUtils::Copy(mFile.FileName()))
             .Throw(kSource, at::kLoadOtherVersion);
     }
     const auto values = VUKSimRpm_PoolHeader::Decode(header);
