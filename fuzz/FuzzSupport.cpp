@@ -97,7 +97,7 @@ void WalkFile(const VUKSimRpm_File& file)
 
 void CopyPool(const VUKSimRpm_File& from, unsigned int index, VUKSimRpm_File& to)
 {
-    constexpr unsigned long long kMostCopied = 1024 * 1024; // bytes
+    constexpr unsigned long long kMostCopied = 1024ULL * 1024; // bytes
     const VUKSimRpm_Pool pool = from.Pool(index);
     if (pool.Length() <= kMostCopied) {
         to.AppendPool(pool);
