@@ -43,7 +43,7 @@ TEST_F(UnwrittenTail, IsInTheFileBeforeThePoolsLength)
     const ScriptedSystemCalls calls;
     mFile.NewPool(true, mB.c_str());
     const auto& made = calls.Calls();
-    ASSERT_EQ(made.size(), 5U);
+    ASSERT_EQ(made.size(), 4U);
     EXPECT_EQ(made[0].call, SystemCall::Fstat);
     EXPECT_EQ(made[1].call, SystemCall::Ftruncate);
     EXPECT_EQ(made[1].position, 87U);
