@@ -3,10 +3,17 @@
 # vuksim_add_tests(<name> SOURCES <files> [LIBRARIES <targets>] [INCLUDES <folders>])
 # makes one GoogleTest program and registers each of its tests with ctest.
 #
+# vuksim_add_test_program(<name> SOURCES <files> [LIBRARIES <targets>] [INCLUDES <folders>])
+# makes a GoogleTest program that has a main of its own and registers nothing.
+#
 # vuksim_add_program_test(<test> <target>)
 # runs a program without arguments in an empty folder; it must end with 0.
 include(GoogleTest)
 find_package(GTest REQUIRED)
+
+# The optimiser and full debug information take longer over tests than over all they test, to no use:
+# a preset may say what to do for them instead.
+set(VUKSIM_TEST_OPTIONS "" CACHE STRING "Compiler options for tests, behind those of the build type")
 
 # GoogleTest's headers are by far the largest that a test includes: they are compiled once for all.
 add_library(vuksim_test_headers OBJECT "${CMAKE_CURRENT_LIST_DIR}/test_headers.cpp")
@@ -15,6 +22,7 @@ target_precompile_headers(vuksim_test_headers PRIVATE <gmock/gmock.h> <gtest/gte
 target_link_libraries(vuksim_test_headers PRIVATE GTest::gmock GTest::gtest)
 # -Wpedantic changes a predefined macro: without it the compiled headers would not fit the tests.
 vuksim_warnings(vuksim_test_headers)
+target_compile_options(vuksim_test_headers PRIVATE ${VUKSIM_TEST_OPTIONS})
 set_property(TARGET vuksim_test_headers PROPERTY CXX_CLANG_TIDY "")
 
 # Tests are looked over for names and a few cheap mistakes only: each check walks through all of
@@ -24,13 +32,14 @@ set(checks_for_tests ${CMAKE_CXX_CLANG_TIDY}
 
 option(VUKSIM_TIDY_TESTS "Let clang-tidy, where it runs, look at the tests too" OFF)
 
-function(vuksim_add_tests name)
+function(vuksim_add_test_program name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES;INCLUDES")
     add_executable(${name} ${arg_SOURCES})
     target_compile_features(${name} PRIVATE cxx_std_20)
+    target_compile_options(${name} PRIVATE ${VUKSIM_TEST_OPTIONS})
     target_include_directories(${name} PRIVATE ${arg_INCLUDES})
     target_precompile_headers(${name} REUSE_FROM vuksim_test_headers)
-    target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} GTest::gmock GTest::gtest_main)
+    target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} GTest::gmock GTest::gtest)
     vuksim_warnings(${name})
     if(NOT VUKSIM_TIDY_TESTS)
         # Even so the tests take clang-tidy longer than all of the library.
@@ -38,6 +47,11 @@ function(vuksim_add_tests name)
     elseif(CMAKE_CXX_CLANG_TIDY)
         set_property(TARGET ${name} PROPERTY CXX_CLANG_TIDY "${checks_for_tests}")
     endif()
+endfunction()
+
+function(vuksim_add_tests name)
+    vuksim_add_test_program(${name} ${ARGN})
+    target_link_libraries(${name} PRIVATE GTest::gtest_main)
     gtest_discover_tests(${name}
         TEST_PREFIX "${name}."
         DISCOVERY_TIMEOUT 60
