@@ -9,7 +9,14 @@
 # vuksim_add_program_test(<test> <target>)
 # runs a program without arguments in an empty folder; it must end with 0.
 include(GoogleTest)
-find_package(GTest REQUIRED)
+
+set(VUKSIM_GTEST_SOURCE "" CACHE PATH
+    "Build GoogleTest from the sources in this folder, with this build's compiler and options")
+if(VUKSIM_GTEST_SOURCE)
+    add_subdirectory("${VUKSIM_GTEST_SOURCE}" "${CMAKE_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL SYSTEM)
+else()
+    find_package(GTest REQUIRED)
+endif()
 
 # The optimiser and full debug information take longer over tests than over all they test, to no use:
 # a preset may say what to do for them instead.

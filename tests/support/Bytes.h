@@ -2,6 +2,8 @@
 // reads, and knows nothing of the library: what it holds is written down a second time on purpose.
 #pragma once
 
+#include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -29,6 +31,16 @@ inline std::string LittleEndian(std::uint64_t value, int size)
 inline std::string Word(std::uint32_t value)
 {
     return LittleEndian(value, 4);
+}
+
+/// As a pool's header has its words: in the order of the machine that wrote them.
+inline std::string HostWord(std::uint32_t value)
+{
+    std::string result = Word(value);
+    if constexpr (std::endian::native == std::endian::big) {
+        std::ranges::reverse(result);
+    }
+    return result;
 }
 
 inline std::string LongWord(std::uint64_t value)
@@ -62,7 +74,7 @@ struct Pool
     {
         const auto entries = static_cast<std::uint32_t>(directory.size());
         return signature + static_cast<char>(version) + reserved + userSignature + length +
-               Word(reserved1) + Word(reserved2) + Word(count.value_or(entries));
+               HostWord(reserved1) + HostWord(reserved2) + HostWord(count.value_or(entries));
     }
 
     /// Header, directory and data.

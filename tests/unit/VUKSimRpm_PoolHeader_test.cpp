@@ -45,11 +45,11 @@ TEST(PoolHeader, WritesEveryOfIts48Bytes)
                           "\x06"              // version
                           "\0\0\0\0\0\0\0"    // reserved
                           "TEST"              // user signature
-                          "0000000671613264"  // length
-                          "\x01\x02\x03\x04"  // reserved1
-                          "\x05\x06\x07\x08"  // reserved2
-                          "\x09\x0A\x0B\x0C", // directory count
-                          48));
+                          "0000000671613264", // length
+                          36) +
+                  bytes::HostWord(0x04030201) + // reserved1
+                  bytes::HostWord(0x08070605) + // reserved2
+                  bytes::HostWord(0x0C0B0A09)); // directory count
 }
 
 TEST(PoolHeader, ReadsWhatItWrites)

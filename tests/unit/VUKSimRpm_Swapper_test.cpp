@@ -88,19 +88,25 @@ TEST(Swapper, NeedsNoAlignment)
     EXPECT_EQ(std::string(stored + 5, 8), "\x08\x07\x06\x05\x04\x03\x02\x01");
 
     EXPECT_EQ(VUKSimRpm_Swapper::InternalizeScalarUnsafe(stored + 5, item + 1, 4), 4);
-    EXPECT_EQ(std::string(item + 1, 4), "\x08\x07\x06\x05");
+    std::uint32_t word = 0;
+    std::memcpy(&word, item + 1, 4);
+    EXPECT_EQ(word, 0x05060708U);
     EXPECT_EQ(VUKSimRpm_Swapper::InternalizeScalarUnsafe(stored + 7, item + 5, 2), 2);
-    EXPECT_EQ(std::string(item + 5, 2), "\x06\x05");
+    std::uint16_t half = 0;
+    std::memcpy(&half, item + 5, 2);
+    EXPECT_EQ(half, 0x0506U);
 }
 
 TEST(SwapperDeathTest, AbortsOnASizeThatIsNotStored)
 {
     char stored[16] = {};
     char item[16] = {};
+    // An emulator adds a line of its own.
+    const char kSaid[] = "^Illegal swap size\\.\n(qemu: [^\n]*\n)?$";
     for (const int size : {3, 0, -1, 1, 16}) {
         EXPECT_EXIT(VUKSimRpm_Swapper::InternalizeScalarUnsafe(stored, item, size),
-                    testing::KilledBySignal(SIGABRT), "^Illegal swap size\\.\n$");
+                    testing::KilledBySignal(SIGABRT), kSaid);
         EXPECT_EXIT(VUKSimRpm_Swapper::ExternalizeScalarUnsafe(stored, item, size),
-                    testing::KilledBySignal(SIGABRT), "^Illegal swap size\\.\n$");
+                    testing::KilledBySignal(SIGABRT), kSaid);
     }
 }
