@@ -5,10 +5,12 @@
 #include "VUKSimUttAssert.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace {
@@ -21,6 +23,19 @@ constexpr int kMostRecords = 64;
 {
     std::perror(what);
     std::abort();
+}
+
+// A few bytes of a damaged header let a writable file grow to any size, all of it holes, and its
+// content then takes the memory that its size allows: no file grows beyond 64 MiB here.
+void BoundFiles()
+{
+    static const bool bound = [] {
+        const rlimit limit = {.rlim_cur = 67108864, .rlim_max = 67108864};
+        return std::signal(SIGXFSZ, SIG_IGN) != SIG_ERR && setrlimit(RLIMIT_FSIZE, &limit) == 0;
+    }();
+    if (!bound) {
+        Give("setrlimit");
+    }
 }
 
 void FollowLocators(const VUKSimRpm_Locator& start)
@@ -68,6 +83,7 @@ MemoryFile::MemoryFile(const std::uint8_t* bytes, std::size_t size)
     if (mDescriptor == -1) {
         Give("memfd_create");
     }
+    BoundFiles();
     for (std::size_t done = 0; done < size;) {
         const ssize_t count = write(mDescriptor, bytes + done, size - done);
         if (count <= 0) {
