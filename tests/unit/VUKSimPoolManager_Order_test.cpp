@@ -1,5 +1,6 @@
-// The order in which the library starts and stops the base modules, whose entries are replaced for
-// the whole program: they write down their turn and the host's count at that moment.
+// The order in which the library starts and stops modules. The entries of the base modules and of
+// VUKSimRpm are replaced for the whole program: they write down their turn and the host's count at
+// that moment. The module's own part, which has no turn of its own here, shows in the counts.
 #include "VUKSimPoolManager.h"
 
 #include "VUKBasAlloc_Module.h"
@@ -7,6 +8,7 @@
 #include "VUKBasGenericsLib_Module.h"
 #include "VUKBasShared_Module.h"
 #include "VUKSimContainers_Module.h"
+#include "VUKSimRpm_Module.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -85,6 +87,16 @@ void VUKBasAlloc_finalize(int& liveModules)
     Stop("VUKBasAlloc", liveModules);
 }
 
+void VUKSimRpm_initialize(int& modules)
+{
+    Start("VUKSimRpm", modules);
+}
+
+void VUKSimRpm_finalize(int& modules)
+{
+    Stop("VUKSimRpm", modules);
+}
+
 TEST(PoolManagerModuleOrder, CountsItselfThenStartsBaseModulesAndItsOwnTwoLast)
 {
     int modules = 10;
@@ -93,8 +105,8 @@ TEST(PoolManagerModuleOrder, CountsItselfThenStartsBaseModulesAndItsOwnTwoLast)
     EXPECT_THAT(Turns(),
                 testing::ElementsAre("start VUKSimContainers at 11", "start VUKBasShared at 12",
                                      "start VUKBasCoreUtils at 13", "start VUKBasGenericsLib at 14",
-                                     "start VUKBasAlloc at 15"));
-    EXPECT_EQ(modules, 18);
+                                     "start VUKBasAlloc at 15", "start VUKSimRpm at 16"));
+    EXPECT_EQ(modules, 18); // its own part came last
     VUKSimPoolManager_finalize(modules);
 }
 
@@ -104,14 +116,15 @@ TEST(PoolManagerModuleOrder, StopsItsOwnTwoFirstAndContainersLast)
     VUKSimPoolManager_initialize(modules);
     Turns().clear();
     VUKSimPoolManager_finalize(modules);
+    // From 18: the library itself and its own part came first.
     EXPECT_THAT(Turns(),
-                testing::ElementsAre("stop VUKBasAlloc at 15", "stop VUKBasGenericsLib at 14",
-                                     "stop VUKBasCoreUtils at 13", "stop VUKBasShared at 12",
-                                     "stop VUKSimContainers at 11"));
+                testing::ElementsAre("stop VUKSimRpm at 16", "stop VUKBasAlloc at 15",
+                                     "stop VUKBasGenericsLib at 14", "stop VUKBasCoreUtils at 13",
+                                     "stop VUKBasShared at 12", "stop VUKSimContainers at 11"));
     EXPECT_EQ(modules, 10);
 }
 
-TEST(PoolManagerModuleOrder, GivesNoBaseModuleASecondTurn)
+TEST(PoolManagerModuleOrder, GivesNoModuleASecondTurn)
 {
     int modules = 10;
     VUKSimPoolManager_initialize(modules);
@@ -120,5 +133,5 @@ TEST(PoolManagerModuleOrder, GivesNoBaseModuleASecondTurn)
     VUKSimPoolManager_finalize(modules);
     EXPECT_TRUE(Turns().empty());
     VUKSimPoolManager_finalize(modules);
-    EXPECT_EQ(Turns().size(), 5U);
+    EXPECT_EQ(Turns().size(), 6U);
 }

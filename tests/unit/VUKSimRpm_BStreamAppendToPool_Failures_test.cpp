@@ -85,6 +85,21 @@ TEST(BStreamAppendToPool, BreaksWhenAnotherStreamAppendsToThePool)
     EXPECT_EQ(store.Stored(), "defghi");
 }
 
+TEST(BStreamAppendToPool, ExpectsTheEndThatItFindsBehindALongRun)
+{
+    // Only a pool that grows from within the stream's own transfer ends elsewhere.
+    OnePool store;
+    auto* const stream = new Stream(store.Pool(), 16);
+    {
+        const DuringNextWrite hook([&] { store.File().Allocate(5); });
+        Put(*stream, Letters(40));
+    }
+    Put(*stream, "abc");
+    EXPECT_TRUE(RaisesAssertion(Flushing(*stream), kEndElsewhere, kSource, 73));
+    EXPECT_EQ(store.Stored(), Letters(40) + std::string(5, '\0') + "abc");
+    EXPECT_TRUE(RaisesAssertion([&] { delete stream; }, kEndElsewhere, kSource, 73));
+}
+
 TEST(BStreamAppendToPool, DoesNotMindAnAllocationOfNothing)
 {
     OnePool store;
@@ -118,6 +133,19 @@ TEST(BStreamAppendToPool, PassesOnThatThePoolOfAReadOnlyFileDoesNotGrow)
     Put(*stream, "abc");
     EXPECT_TRUE(Raises<VUKSimExcImmutablePool>([&] { delete stream; }, kPoolSource, 163));
     EXPECT_EQ(store.Stored(), "old");
+}
+
+// What failed counts as appended although it still waits: the pool may have grown by it.
+TEST(BStreamAppendToPool, CountsTheBytesOfAFailedFlushTwice)
+{
+    OnePool store("old");
+    auto* const stream = new Stream(store.Pool(), 16);
+    Put(*stream, "abc");
+    store.File().NewPool(true, nullptr);
+    EXPECT_EQ(stream->Length(), 3UL);
+    EXPECT_TRUE(Raises<VUKSimExcImmutablePool>(Flushing(*stream), kPoolSource, 163));
+    EXPECT_EQ(stream->Length(), 6UL);
+    EXPECT_TRUE(Raises<VUKSimExcImmutablePool>([&] { delete stream; }, kPoolSource, 163));
 }
 
 // Pools that are gone

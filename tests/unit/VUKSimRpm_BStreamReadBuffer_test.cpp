@@ -120,11 +120,16 @@ TEST(BStreamReadBuffer, BoundKeepsTheDirectoryAliveAndNotThePool)
     OnePool store("x");
     const VUKSimRpm_Pool pool = store.Pool();
     const VUKString uuid = pool.GetGUID();
-    const Stream stream("012345", 6, pool);
-    store.CloseFile();
-    EXPECT_TRUE(pool.Null());
-    EXPECT_EQ(stream.SourceDir()->Length(), 1);
-    EXPECT_TRUE(stream.SourceDir()->GetGUID() == uuid);
+    const VUKBasWeakPtr<VUKSimRpm_PoolDirectoryImpl> directory(store.Start().Directory());
+    {
+        const Stream stream("012345", 6, pool);
+        store.CloseFile();
+        EXPECT_TRUE(pool.Null());
+        EXPECT_EQ(stream.SourceDir()->Length(), 1);
+        EXPECT_TRUE(stream.SourceDir()->GetGUID() == uuid);
+        EXPECT_EQ(directory.UseCount(), 1);
+    }
+    EXPECT_TRUE(directory.expired());
 }
 
 TEST(BStreamReadBuffer, CannotBeBoundToAPoolThatIsGone)

@@ -258,6 +258,12 @@ TEST(BStreamReadLocator, ReadsARunOfAChunkThroughTheBuffer)
     EXPECT_EQ(Next(stream, 5), Letters(200).substr(0, 5));
     EXPECT_EQ(Next(stream, 16), Letters(200).substr(5, 16));
     EXPECT_THAT(Reads(calls), ElementsAre(Transfer{80, 16}, Transfer{96, 5}));
+
+    // A run past the buffer would have consumed what it got.
+    const OnePool shorter("0123456789");
+    Stream another(shorter.Start(), 0, 16);
+    EXPECT_TRUE(RaisesRequestTooBig(Reading(another, 16), 16, 10, kSource, 62));
+    EXPECT_EQ(Prepared(another, 10), "0123456789");
 }
 
 TEST(BStreamReadLocator, GoesOnBehindALongRunThatCameBeforeTheFirstChunk)

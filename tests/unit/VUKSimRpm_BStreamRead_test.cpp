@@ -185,6 +185,17 @@ TEST(BStreamRead, LeavesTheCallersTextWhenTheTextIsCutShort)
     }
 }
 
+TEST(BStreamRead, HasConsumedTheWholePiecesOfALongTextThatIsCutShort)
+{
+    const std::string record = bytes::Word(3000000) + Letters(2000000);
+    VUKSimRpm_BStreamReadBuffer stream(record.data(), record.size());
+    VUKString text = "before";
+    // The second piece reaches up to 2 MiB of the text.
+    EXPECT_TRUE(RaisesShortBuffer([&] { stream.Read(text); }, 1048576, 951424, kBufferSource, 40));
+    EXPECT_TRUE(text == "before");
+    EXPECT_EQ(stream.PrepRead(951424), record.data() + 1048580);
+}
+
 TEST(BStreamRead, LeavesTheCallersTextWhenThereIsNoMemory)
 {
     const std::string record = Record(Letters(3000000));
@@ -198,6 +209,18 @@ TEST(BStreamRead, LeavesTheCallersTextWhenThereIsNoMemory)
         }
         EXPECT_TRUE(text == (allocations < 4 ? "before" : Letters(3000000).c_str()));
     }
+}
+
+TEST(BStreamRead, LeavesTheCallersTextWhenThereIsNoMemoryForAShortOne)
+{
+    const std::string record = Record(Letters(200));
+    VUKSimRpm_BStreamReadBuffer stream(record.data(), record.size());
+    VUKString text = "before";
+    {
+        const LimitedMemory memory(0);
+        EXPECT_TRUE(RaisesBadAlloc([&] { stream.Read(text); }));
+    }
+    EXPECT_TRUE(text == "before");
 }
 
 TEST(BStreamRead, GivesBackAllItsMemoryWhateverHappens)
@@ -225,7 +248,8 @@ TEST(BStreamRead, SpendsNoMemoryOnALengthThatLies)
         VUKSimRpm_BStreamReadBuffer stream(record.data(), record.size());
         VUKString text = "before";
         const CountedMemory memory;
-        EXPECT_TRUE(Raises<VUKSimExcShortBuffer>([&] { stream.Read(text); }, kBufferSource, 40));
+        // A first piece of 1 MiB is asked for, and 9 bytes are there.
+        EXPECT_TRUE(RaisesShortBuffer([&] { stream.Read(text); }, 1048576, 9, kBufferSource, 40));
         EXPECT_TRUE(text == "before");
         EXPECT_LE(memory.Peak(), 2097152U) << length;
     }

@@ -129,12 +129,17 @@ TEST(BStreamWriteBuffer, BoundKeepsTheDirectoryAliveAndNotThePool)
     OnePool store("x");
     const VUKSimRpm_Pool pool = store.Pool();
     const VUKString uuid = pool.GetGUID();
+    const VUKBasWeakPtr<VUKSimRpm_PoolDirectoryImpl> directory(store.Start().Directory());
     char room[8];
-    const Stream stream(room, 8, pool);
-    store.CloseFile();
-    EXPECT_TRUE(pool.Null());
-    EXPECT_EQ(stream.SourceDir()->Length(), 1);
-    EXPECT_TRUE(stream.SourceDir()->GetGUID() == uuid);
+    {
+        const Stream stream(room, 8, pool);
+        store.CloseFile();
+        EXPECT_TRUE(pool.Null());
+        EXPECT_EQ(stream.SourceDir()->Length(), 1);
+        EXPECT_TRUE(stream.SourceDir()->GetGUID() == uuid);
+        EXPECT_EQ(directory.UseCount(), 1);
+    }
+    EXPECT_TRUE(directory.expired());
 }
 
 TEST(BStreamWriteBuffer, CannotBeBoundToAPoolThatIsGone)

@@ -177,6 +177,19 @@ TEST(BStreamWriteLocator, FlushesBeforeARequestThatDoesNotFitTheChunk)
     EXPECT_EQ(store.Stored().substr(0, 18), Letters(10) + "012345__");
 }
 
+TEST(BStreamWriteLocator, HoldsARunThatFillsTheChunkToTheLastByte)
+{
+    const OnePool store(Blanks(100));
+    const ScriptedSystemCalls calls;
+    Stream stream(store.Start(), 0, 16);
+    Put(stream, Letters(10));
+    Put(stream, "012345");
+    EXPECT_THAT(Writes(calls), IsEmpty());
+    stream.Flush();
+    EXPECT_THAT(Writes(calls), ElementsAre(Transfer{80, 16}));
+    EXPECT_EQ(store.Stored().substr(0, 18), Letters(10) + "012345__");
+}
+
 TEST(BStreamWriteLocator, WritesWhatItHoldsAndThenALongRunDirectly)
 {
     const OnePool store(Blanks(200));

@@ -135,6 +135,26 @@ TEST_F(DocumentImpl, AddsNoFileThatItCouldNotCreate)
     EXPECT_TRUE(calls.Calls().empty());
 }
 
+TEST_F(DocumentImpl, AddsNoFileWhoseFirstPoolItCouldNotWrite)
+{
+    const VUKString name = mFolder.File("new");
+    {
+        ScriptedSystemCalls calls;
+        calls.FailAlways(SystemCall::Pwrite, ENOSPC);
+        EXPECT_TRUE(
+            RaisesFileError([&] { mDocument.CreateTemporary(name, true); }, "write", ENOSPC));
+        EXPECT_TRUE(RaisesFileError([&] { mDocument.CreateGenerated(name, ".sim", true); }, "write",
+                                    ENOSPC));
+    }
+    const ScriptedSystemCalls calls;
+    mDocument.Flush();
+    EXPECT_TRUE(calls.Calls().empty());
+    EXPECT_EQ(mFolder.Count(), 3); // `a`, `b` and the generated one, which is kept though empty
+    EXPECT_EQ(Map()->Length(), 2); // the slots were made before and stay
+    EXPECT_FALSE(PoolIn(0));
+    EXPECT_FALSE(PoolIn(1));
+}
+
 // Flush
 
 TEST_F(DocumentImpl, FlushesEveryFileInTheOrderTheyWereAdded)
@@ -228,6 +248,19 @@ TEST_F(DocumentImpl, KeepsAFileThatItCannotFlush)
     }
     ASSERT_FALSE(a.expired());
     EXPECT_TRUE(PoolIn(0));
+    mDocument.Close(a);
+    EXPECT_TRUE(a.expired());
+}
+
+TEST_F(DocumentImpl, ReleasesAFileThatTheSystemFailedToCloseWhenItIsClosedAgain)
+{
+    const auto a = Update("a.sim");
+    {
+        ScriptedSystemCalls calls;
+        calls.Script(SystemCall::Close, {Fails(EIO)});
+        EXPECT_TRUE(RaisesFileError([&] { mDocument.Close(a); }, "close", EIO));
+    }
+    EXPECT_FALSE(a.expired());
     mDocument.Close(a);
     EXPECT_TRUE(a.expired());
 }

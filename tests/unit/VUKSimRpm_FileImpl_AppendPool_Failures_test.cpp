@@ -63,6 +63,8 @@ TEST_F(AppendPoolFailures, RefusesAReadOnlyTarget)
     VUKSimRpm_FileImpl target(mDocument);
     target.OpenRead(mFolder.File("a.sim"));
     EXPECT_TRUE(Raises<VUKSimExcNewPoolReadOnly>([&] { target.AppendPool(source); }, kSource, 150));
+    const auto own = target.Pool().lock(); // is refused as a duplicate only after that
+    EXPECT_TRUE(Raises<VUKSimExcNewPoolReadOnly>([&] { target.AppendPool(*own); }, kSource, 150));
     EXPECT_EQ(target.PoolCount(), 1U);
     EXPECT_EQ(Map()->Length(), 1);
     EXPECT_EQ(mFolder.Size("a.sim"), 80U);
@@ -137,8 +139,10 @@ TEST_F(AppendPoolFailures, FailsWhenTheSourceEndsBeforeThePool)
     EXPECT_EQ(mFolder.Read("a.sim").substr(82 + 80),
               std::string(120, 'x') + std::string(100, '\0'));
 
-    mFile.NewPool(true, nullptr); // is placed behind it
-    EXPECT_EQ(mFile.Pool().lock()->Position(), 382U);
+    ResizeSource(300);
+    const auto copy = mFile.AppendPool(source).lock(); // is placed behind it
+    EXPECT_EQ(copy->Position(), 382U);
+    EXPECT_EQ(mFile.LogicalEnd(), 682U);
 }
 
 TEST_F(AppendPoolFailures, FailsForAPoolWithBytesThatWereAllocatedAndNeverWritten)
@@ -225,6 +229,30 @@ TEST_F(AppendPoolFailures, RefusesAPoolOfAnotherUserSignatureOnceItIsCopied)
     EXPECT_EQ(mFile.Pool().lock()->Position(), 163U);
 }
 
+TEST_F(AppendPoolFailures, LeavesACopyThatALaterOpeningTakesForData)
+{
+    FillTarget();
+    VUKSimRpm_DocumentImpl document("FEM4");
+    VUKSimRpm_FileImpl source(document);
+    const bytes::Pool stored{.userSignature = "FEM4", .directory = {mX}, .data = "x"};
+    source.OpenRead(mFolder.Write("fem.sim", stored.Bytes()));
+    const auto append = [&] { mFile.AppendPool(*source.Pool(0).lock()); };
+    constexpr char kPoolSource[] = "VUKSim/VUKSimRpm.m/src/VUKSimRpm_PoolImpl";
+    EXPECT_TRUE(Raises<VUKSimExcUserSigMismatch>(append, kPoolSource, 89));
+    mFile.Flush();
+    {
+        VUKSimRpm_DocumentImpl later("TEST");
+        VUKSimRpm_FileImpl again(later);
+        again.OpenRead(mFolder.File("a.sim"));
+        EXPECT_EQ(ReadPool(*again.Pool().lock(), 0, 99), "AB" + stored.Bytes());
+    }
+    mFile.NewPool(true, nullptr); // gives the pool before its true length
+    VUKSimRpm_DocumentImpl later("TEST");
+    VUKSimRpm_FileImpl again(later);
+    EXPECT_TRUE(Raises<VUKSimExcUserSigMismatch>([&] { again.OpenRead(mFolder.File("a.sim")); },
+                                                 kPoolSource, 89));
+}
+
 TEST_F(AppendPoolFailures, ChecksTheCopiedHeaderAnew)
 {
     FillTarget();
@@ -239,14 +267,30 @@ TEST_F(AppendPoolFailures, ChecksTheCopiedDirectoryAnew)
 {
     FillTarget();
     VUKSimRpm_PoolImpl& source = OpenSource({.directory = {mX}, .data = "x"});
-    mSource.Write(44, 4, "\x02\0\0"); // more entries than the copy has room for
+    mSource.Write(44, 4, bytes::HostWord(2).data()); // more entries than the copy has room for
     EXPECT_TRUE(Raises<VUKSimExcCorruptDirectory>(
         [&] { mFile.AppendPool(source); }, "VUKSim/VUKSimRpm.m/src/VUKSimRpm_PoolImpl", 106));
-    mSource.Write(44, 4, "\x01\0\0");
+    mSource.Write(44, 4, bytes::HostWord(1).data());
     mSource.Write(48, 32, mA.c_str());
     EXPECT_TRUE(Raises<VUKSimExcPoolAlreadyInDoc>(
         [&] { mFile.AppendPool(source); }, "VUKSim/VUKSimRpm.m/src/VUKSimRpm_PoolDirectoryImpl",
         75));
+}
+
+// Once it is loaded
+
+TEST_F(AppendPoolFailures, LeavesTheCopyCurrentWhenItCannotWriteItsHeader)
+{
+    FillTarget();
+    VUKSimRpm_PoolImpl& source = OpenSource({.directory = {mX}, .data = "x"});
+    const auto before = mFile.Pool().lock();
+    ScriptedSystemCalls calls;
+    calls.Script(SystemCall::Pwrite, {Passes(), Passes(), Fails(ENOSPC)}); // copy, length, header
+    EXPECT_TRUE(RaisesFileError([&] { mFile.AppendPool(source); }, "write", ENOSPC));
+    ASSERT_EQ(mFile.PoolCount(), 2U);
+    EXPECT_TRUE(before->Immutable());
+    EXPECT_EQ(PoolIn(1), mFile.Pool().lock());
+    EXPECT_FALSE(mFile.Pool().lock()->Immutable());
 }
 
 // How it copies

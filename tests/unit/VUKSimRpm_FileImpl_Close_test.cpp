@@ -122,6 +122,20 @@ TEST_F(FileImplClose, CloseLeavesAllOpenWhenItCannotFlush)
     EXPECT_EQ(mFolder.Read("a.sim"), mBytes);
 }
 
+TEST_F(FileImplClose, CloseCountsAsDoneWhenTheSystemFailsToClose)
+{
+    {
+        ScriptedSystemCalls calls;
+        calls.Script(SystemCall::Close, {Fails(EIO)});
+        EXPECT_TRUE(RaisesFileError([&] { mFile.Close(); }, "close", EIO));
+    }
+    EXPECT_FALSE(PoolIn(0)); // the pools left the map before
+    EXPECT_FALSE(PoolIn(1));
+    const ScriptedSystemCalls calls;
+    mFile.Close();
+    EXPECT_TRUE(calls.Calls().empty());
+}
+
 TEST_F(FileImplClose, DestructionWritesNothing)
 {
     VUKSimRpm_DocumentImpl document("TEST");

@@ -252,6 +252,8 @@ TEST_F(FileImplLoad, RefusesAPoolWithoutADirectoryByTheListsOwnError)
 {
     const VUKString name = mFolder.Write("a.sim", bytes::Pool().Bytes());
     EXPECT_TRUE(RaisesRange([&] { mFile.OpenRead(name); }, 0, 0));
+    EXPECT_EQ(mFile.PoolCount(), 1U); // it joins the list before it looks for its slot
+    EXPECT_EQ(Map()->Length(), 0);
 }
 
 TEST_F(FileImplLoad, PassesOnWhatTheSystemSays)

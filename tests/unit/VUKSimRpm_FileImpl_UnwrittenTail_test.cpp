@@ -90,6 +90,14 @@ TEST_F(UnwrittenTail, CostsNothingWhereThereIsNone)
     EXPECT_THAT(Writes(calls), ElementsAre(Transfer{0, 80}, Transfer{84, 80}));
 }
 
+TEST_F(UnwrittenTail, ShortensNoFileThatIsLongerThanItsPools)
+{
+    mFile.Write(84, 1000, std::string(1000, 's').c_str()); // behind the pool's end
+    mFile.NewPool(true, mB.c_str());
+    EXPECT_EQ(mFolder.Size("a.sim"), 1084U);
+    EXPECT_EQ(mFile.LogicalEnd(), 164U);
+}
+
 TEST_F(UnwrittenTail, KeepsThePoolCurrentWhenTheFileCannotGrow)
 {
     AllocateAndWriteNothing();

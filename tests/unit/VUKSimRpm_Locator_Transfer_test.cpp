@@ -282,4 +282,7 @@ TEST(LocatorTransfer, MakesNoDirectLocatorOfOneWithAMemoryPool)
     const Locator imaged(store.Start(), image);
     EXPECT_TRUE(
         RaisesAssertion([&] { (void)imaged.DirectLocator(); }, "0 == mIMPool", kSource, 191));
+    const Locator nowhere(Locator(), image); // looked at before the pool is
+    EXPECT_TRUE(
+        RaisesAssertion([&] { (void)nowhere.DirectLocator(); }, "0 == mIMPool", kSource, 191));
 }

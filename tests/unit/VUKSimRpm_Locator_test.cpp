@@ -52,6 +52,25 @@ TEST(Locator, IsAPlainValue)
     EXPECT_TRUE(std::is_copy_assignable_v<Locator>);
 }
 
+TEST_F(LocatorInAMap, IsCopiedWithAllFieldsAndReleasesTheMapAgain)
+{
+    const OnePool store("0123456789");
+    VUKSimRpm_MemoryPool image(store.Start(), 10, {}, nullptr);
+    const VUKBasWeakPtr<VUKSimRpm_PoolMap> watch(map);
+    {
+        const Locator locator(map, 1, 7, &image);
+        const Locator copy = locator;
+        Locator assigned(NewMap(), 5, 9, nullptr);
+        assigned = locator;
+        EXPECT_EQ(watch.WeakCount(), 4); // the three, and the one that watches
+        EXPECT_TRUE(copy == At(1, 7));
+        EXPECT_EQ(copy.IMPool(), &image);
+        EXPECT_TRUE(assigned == At(1, 7));
+        EXPECT_EQ(assigned.IMPool(), &image);
+    }
+    EXPECT_EQ(watch.WeakCount(), 1);
+}
+
 TEST(Locator, IsNullByDefaultAndEqualToAnotherDefaultLocator)
 {
     const Locator locator;

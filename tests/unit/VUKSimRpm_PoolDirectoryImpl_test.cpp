@@ -1,6 +1,7 @@
 #include "VUKSimRpm_PoolDirectoryImpl.h"
 
 #include "Failures.h"
+#include "LimitedMemory.h"
 #include "PoolMapFixture.h"
 
 #include <gmock/gmock.h>
@@ -278,14 +279,28 @@ TEST_F(PoolDirectory, StaysEmptyForACountOfZeroOrLess)
 TEST_F(PoolDirectory, GrowsTheMapOnceForAllItsRecords)
 {
     std::string records;
-    for (int i = 0; i < 200; ++i) {
+    for (int i = 0; i < 100; ++i) {
         records += NumberedUuid(1000 + i);
     }
-    AddSlots(*mMap, 3);
+    AddSlots(*mMap, 64);
     const CacheRequests requests;
-    mDirectory.Load(records.c_str(), 200);
-    EXPECT_THAT(requests.Sizes(), testing::ElementsAre(409920U)); // 64 + 203, up to 320
-    EXPECT_EQ(mMap->Length(), 203);
+    mDirectory.Load(records.c_str(), 100);
+    EXPECT_THAT(requests.Sizes(), testing::ElementsAre(262400U)); // 64 + 164, up to 256
+    EXPECT_EQ(mMap->Length(), 164);
+}
+
+// Memory goes to the map's items and cache, to the list (twice), and then to each new slot.
+TEST_F(PoolDirectory, KeepsWhatItLoadedWhenMemoryRunsOut)
+{
+    const std::string records = mA + mB + mC;
+    {
+        const LimitedMemory memory(6);
+        EXPECT_TRUE(RaisesBadAlloc([&] { mDirectory.Load(records.c_str(), 3); }));
+    }
+    EXPECT_EQ(mMap->Length(), 2);
+    EXPECT_EQ(mMap->LookupByUUID(mC.c_str()), -1);
+    EXPECT_THAT(Slots(mDirectory), testing::ElementsAre(0, 1));
+    EXPECT_EQ(Dumped(mDirectory), mA + mB);
 }
 
 TEST_F(PoolDirectory, DumpsTheRecordsItLoaded)

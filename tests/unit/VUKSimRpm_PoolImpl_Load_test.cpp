@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 
 namespace {
@@ -127,6 +128,12 @@ TEST_F(PoolLoad, RefusesAHeaderOfFewerThan48Bytes)
     EXPECT_TRUE(Raises<VUKSimExcCorruptHeader>([&] { Load(); }, kSource, 78));
 }
 
+TEST_F(PoolLoad, CountsTheBytesBeforeItLooksAtThem)
+{
+    Store(std::string(47, 'x'));
+    EXPECT_TRUE(Raises<VUKSimExcCorruptHeader>([&] { Load(); }, kSource, 78));
+}
+
 TEST_F(PoolLoad, RefusesAHeaderBehindTheEndOfTheFile)
 {
     Store("");
@@ -211,6 +218,47 @@ TEST_F(PoolLoad, RefusesOneEntryWithFewerThan32Bytes)
     EXPECT_TRUE(Raises<VUKSimExcCorruptDirectory>([&] { file.OpenRead(name); }, kSource, 106));
 }
 
+TEST_F(PoolLoad, RefusesADirectoryBehindTheGivenEnd)
+{
+    Store(mGood); // its header ends at 128, its directory at 192
+    EXPECT_TRUE(Raises<VUKSimExcCorruptDirectory>([&] { mPool.Load(191); }, kSource, 106));
+    EXPECT_TRUE(Raises<VUKSimExcCorruptDirectory>([&] { mPool.Load(127); }, kSource, 106));
+    mPool.Load(192);
+    EXPECT_EQ(mPool.HeaderSize(), 112U);
+}
+
+TEST_F(PoolLoad, RefusesADirectoryThatTheFileHasLostMeanwhile)
+{
+    bytes::Pool pool = mGood;
+    pool.count = 3; // 96 bytes from 128 on, in a file of 200
+    Store(pool);
+    EXPECT_TRUE(Raises<VUKSimExcCorruptDirectory>([&] { mPool.Load(224); }, kSource, 106));
+    EXPECT_EQ(mPool.Directory()->Length(), 0);
+}
+
+TEST_F(PoolLoad, RefusesADirectoryThatIsThereButLeavesNoHeaderSizeOf32Bits)
+{
+    const bytes::Pool pool{.count = 0x7FFFFFF}; // 2^32 - 32 bytes, and 48
+    VUKSimRpm_DocumentImpl document("TEST");
+    VUKSimRpm_FileImpl file(document);
+    const VUKString name = mFolder.Write("b.sim", pool.Header());
+    std::filesystem::resize_file(mFolder.Path("b.sim"), 5'000'000'000); // a hole
+    const CountedMemory memory;
+    EXPECT_TRUE(Raises<VUKSimExcCorruptDirectory>([&] { file.OpenRead(name); }, kSource, 106));
+    EXPECT_LT(memory.Peak(), 10000U);
+}
+
+TEST_F(PoolLoad, StaysEmptyWhenItsHeaderIsRefused)
+{
+    bytes::Pool pool = mGood;
+    pool.userSignature = "ELSE";
+    Store(pool);
+    EXPECT_TRUE(Raises<VUKSimExcUserSigMismatch>([&] { Load(); }, kSource, 89));
+    EXPECT_EQ(mPool.Length(), 0U);
+    EXPECT_EQ(mPool.HeaderSize(), 0U);
+    EXPECT_EQ(Map()->Length(), 1); // of `a`
+}
+
 TEST_F(PoolLoad, StaysHalfFilledWhenItsDirectoryIsBad)
 {
     bytes::Pool pool = mGood;
@@ -224,12 +272,18 @@ TEST_F(PoolLoad, StaysHalfFilledWhenItsDirectoryIsBad)
 
 TEST_F(PoolLoad, AllocatesNothingForADirectoryThatCannotBeThere)
 {
-    bytes::Pool pool = mGood;
-    pool.count = 0xFFFFFFFF;
-    Store(pool);
-    const CountedMemory memory;
-    EXPECT_TRUE(Raises<VUKSimExcCorruptDirectory>([&] { Load(); }, kSource, 106));
-    EXPECT_EQ(memory.Allocations(), 0);
+    for (const std::uint32_t count : {3U, 0xFFFFFFFFU}) { // one more than fits; all there is
+        VUKSimRpm_DocumentImpl document("TEST");
+        VUKSimRpm_FileImpl file(document);
+        bytes::Pool pool = mGood;
+        pool.count = count;
+        file.OpenRead(mFolder.Write("a.sim", mOuter.Bytes() + pool.Bytes()));
+        VUKSimRpm_PoolImpl inner(
+            file, VUKBasMakeShared<VUKSimRpm_PoolDirectoryImpl>(document.PoolMap()), 80);
+        const CountedMemory memory;
+        EXPECT_TRUE(Raises<VUKSimExcCorruptDirectory>([&] { inner.Load(200); }, kSource, 106));
+        EXPECT_EQ(memory.Allocations(), 0) << "count " << count;
+    }
 }
 
 TEST_F(PoolLoad, RefusesAnOpenPoolAndKeepsItsSlot)

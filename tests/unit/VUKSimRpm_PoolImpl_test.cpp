@@ -1,11 +1,13 @@
 #include "VUKSimRpm_PoolImpl.h"
 
+#include "CountedMemory.h"
 #include "Failures.h"
 #include "FileFixture.h"
 #include "ScriptedSystemCalls.h"
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <string>
 #include <vector>
 
@@ -306,6 +308,39 @@ TEST_F(PoolImpl, LeavesTheFilesEndWhenItIsDumpedInside)
     OpenUpdate();
     A().Dump();
     EXPECT_EQ(mFile.LogicalEnd(), 174U);
+}
+
+TEST_F(PoolImpl, RaisesTheFilesEndBeforeItWritesItsHeader)
+{
+    OpenUpdate();
+    VUKSimRpm_PoolImpl pool(mFile, Directory(true, 'n'), 174);
+    pool.Init();
+    ScriptedSystemCalls calls;
+    calls.Script(SystemCall::Pwrite, {Fails(ENOSPC)});
+    EXPECT_TRUE(RaisesFileError([&] { pool.Dump(); }, "write", ENOSPC));
+    EXPECT_EQ(mFile.LogicalEnd(), 254U);
+    EXPECT_EQ(mFolder.Size("a.sim"), 174U);
+}
+
+TEST_F(PoolImpl, HasNoHeaderWrittenIntoAReadOnlyFile)
+{
+    OpenRead();
+    EXPECT_TRUE(Raises<VUKSimExcWriteReadOnly>([&] { B().Dump(); }, kFileSource, 255));
+    VUKSimRpm_PoolImpl behind(mFile, Directory(true, 'n'), 174); // would have to extend it
+    behind.Init();
+    EXPECT_TRUE(Raises<VUKSimExcAllocReadOnly>([&] { behind.Dump(); }, kFileSource, 231));
+}
+
+TEST_F(PoolImpl, FreesItsBufferWhenAHeaderCannotBeWritten)
+{
+    OpenUpdate();
+    ScriptedSystemCalls calls;
+    calls.Script(SystemCall::Pwrite, {Fails(ENOSPC)});
+    VUKSimRpm_PoolImpl& pool = B();
+    const CountedMemory memory;
+    EXPECT_TRUE(RaisesFileError([&] { pool.Dump(); }, "write", ENOSPC));
+    EXPECT_GE(memory.Allocations(), 1);
+    EXPECT_EQ(memory.Blocks(), 0U);
 }
 
 TEST_F(PoolImpl, WritesNothingWhenItDies)

@@ -175,6 +175,35 @@ TEST(PoolMapMemory, KeepsItsOldCacheUntilAllOfItsGrowthIsThere)
     }
 }
 
+TEST(PoolMapMemory, GivesBackItsIndexThenItsItemsThenItsCache)
+{
+    static mem_Functions real;
+    static std::vector<void*> allocated;
+    static std::vector<void*> released;
+    real = mem_CurrentFunctions();
+    allocated.clear();
+    released.clear();
+    mem_CurrentFunctions() = {[](std::size_t size) {
+                                  allocated.push_back(real.allocate(size));
+                                  return allocated.back();
+                              },
+                              [](std::size_t size) {
+                                  allocated.push_back(real.allocateZeroed(size));
+                                  return allocated.back();
+                              },
+                              [](void* block) {
+                                  released.push_back(block);
+                                  real.release(block);
+                              }};
+    {
+        VUKSimRpm_PoolMap map;
+        AddSlots(map, 1);
+    }
+    mem_CurrentFunctions() = real;
+    ASSERT_EQ(allocated.size(), 3U); // room for items, the cache, a node of the index
+    EXPECT_THAT(released, ElementsAre(allocated[2], allocated[0], allocated[1]));
+}
+
 TEST(PoolMapMemory, RefusesMoreThan46336SlotsBeforeAnyChange)
 {
     VUKSimRpm_PoolMap empty;

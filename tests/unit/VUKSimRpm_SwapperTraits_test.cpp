@@ -1,11 +1,13 @@
 #include "VUKSimRpm_SwapperTraits.h"
 
 #include "Failures.h"
+#include "RepeatedPages.h"
 
 #include <gtest/gtest.h>
 
 #include <climits>
 #include <cstdint>
+#include <cstring>
 #include <string>
 
 namespace {
@@ -60,9 +62,21 @@ TEST(SwapperTraits, MovesArraysAtAnyAddress)
     char stored[] = "#\x08\x07\x06\x05\x04\x03\x02\x01";
     alignas(8) char items[17] = {};
     VUKSimRpm_SwapperTraits<8>::InternalizeArray(stored + 1, items + 3, 1);
-    EXPECT_EQ(std::string(items + 3, 8), "\x08\x07\x06\x05\x04\x03\x02\x01");
+    std::uint64_t item = 0;
+    std::memcpy(&item, items + 3, 8);
+    EXPECT_EQ(item, 0x0102030405060708U);
     EXPECT_EQ(items[2], 0);
     EXPECT_EQ(items[11], 0);
+}
+
+// The last of 2^29 + 1 items lies behind 4 GiB. In 32 bits they would be 8 bytes.
+TEST(SwapperTraits, MovesMoreThan4GiB)
+{
+    const RepeatedPages stored(4294967304, 'a');
+    RepeatedPages items(4294967304, '.');
+    items.ZeroLastRepeat(); // from 4 GiB on, and its own
+    VUKSimRpm_SwapperTraits<8>::InternalizeArray(stored.Bytes(), items.Bytes(), 536870913);
+    EXPECT_EQ(std::string(items.Bytes() + 4294967296, 9), std::string("aaaaaaaa\0", 9));
 }
 
 TEST(SwapperTraits, ConvertsNothingForACountOfZeroOrLess)

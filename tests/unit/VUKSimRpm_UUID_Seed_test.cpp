@@ -33,6 +33,22 @@ std::string Create()
     std::exit(0);
 }
 
+// The same, with forced values before and between.
+[[noreturn]] void PrintTwoAmongForced(long long microseconds)
+{
+    sMicroseconds = microseconds;
+    const std::string forced = bytes::Uuid('f');
+    const auto createForced = [&] {
+        VUKSimRpm_UUID::TestForceUUID(forced.c_str());
+        return Create();
+    };
+    createForced();
+    const std::string first = Create();
+    createForced();
+    std::fprintf(stderr, "%s %s", first.c_str(), Create().c_str());
+    std::exit(0);
+}
+
 // Each clock reading so far, when nothing, a forced value and two others were made.
 [[noreturn]] void PrintClockReads()
 {
@@ -78,6 +94,12 @@ TEST_F(UUIDSeedDeathTest, IsTakenOnceAndNotForAForcedValue)
 TEST_F(UUIDSeedDeathTest, IsTheClocksSecondWord)
 {
     EXPECT_EXIT(PrintTwo(123456), testing::ExitedWithCode(0),
+                "^f3bd3164719848478f4de080c08d3551 e2cf3cb441b64e51ae83eac5c05a9bd2$");
+}
+
+TEST_F(UUIDSeedDeathTest, IsFollowedByTheSameValuesWhateverIsForcedBetween)
+{
+    EXPECT_EXIT(PrintTwoAmongForced(123456), testing::ExitedWithCode(0),
                 "^f3bd3164719848478f4de080c08d3551 e2cf3cb441b64e51ae83eac5c05a9bd2$");
 }
 

@@ -26,7 +26,8 @@ public:
     /// nothing waiting dies quietly when its pool is gone already.
     ~VUKSimRpm_BStreamAppendToPool() noexcept(false) override;
 
-    /// The bytes given to the stream so far, waiting ones included.
+    /// The bytes given to the stream so far, waiting ones included. After a failed flush those that
+    /// still wait are counted twice.
     [[nodiscard]] unsigned long Length() const noexcept { return mAppended + mFill; }
 
     /// \throws VUKBasAssertException "requestedLength > 0"; VUKSimExcRequestTooBig(requested, chunk

@@ -31,6 +31,8 @@ public:
 
     /// Reads a string record: length (4 bytes), text, zeros up to a multiple of 4. The text ends at
     /// its first zero byte. Memory grows with the bytes really delivered, whatever length the
-    /// record claims. On failure `text` is left as it was.
+    /// record claims: beyond 1 MiB the text is read in pieces.
+    /// \throws what PrepRead and Read of the stream throw, naming the piece that failed;
+    /// std::bad_alloc. `text` is left as it was; what came before the failure is consumed.
     void Read(VUKString& text);
 };

@@ -27,7 +27,7 @@ public:
     /// remaining) past the buffer's end. The stream is unchanged then.
     [[nodiscard]] char* PrepRead(unsigned long requestedLength) override;
 
-    /// \throws as PrepRead, for a length of 0 too.
+    /// \throws as PrepRead, for a length of 0 too: an empty text cannot be read here.
     void Read(char* destination, unsigned int length) override;
     using VUKSimRpm_BStreamRead::Read;
 

@@ -27,7 +27,8 @@ public:
     [[nodiscard]] char* PrepRead(unsigned long requestedLength) override;
 
     /// A length of 0 does nothing. \throws as PrepRead up to a chunk; beyond, VUKSimExcShortBuffer
-    /// or VUKSimExcRequestTooBig(requested, delivered), the delivered bytes being consumed.
+    /// or VUKSimExcRequestTooBig(requested, delivered), the delivered bytes being consumed. When
+    /// the pool fails beyond a chunk, the bytes that were held are consumed.
     void Read(char* destination, unsigned int length) override;
     using VUKSimRpm_BStreamRead::Read;
 

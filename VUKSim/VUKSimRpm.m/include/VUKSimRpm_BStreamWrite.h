@@ -30,5 +30,7 @@ public:
     [[nodiscard]] virtual VUKSimRpm_MemoryPool* IMPool() const = 0;
 
     /// Writes `text` as a string record: length (4 bytes), text, zeros up to a multiple of 4.
+    /// \throws std::bad_alloc, and nothing is written; what PrepWrite and Write of the stream
+    /// throw: the length may stand there without its text then.
     void Write(const VUKString& text);
 };

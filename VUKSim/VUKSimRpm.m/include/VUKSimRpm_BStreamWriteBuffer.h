@@ -26,7 +26,7 @@ public:
     /// remaining) past the buffer's end. The stream is unchanged then.
     [[nodiscard]] char* PrepWrite(unsigned long requestedLength) override;
 
-    /// \throws as PrepWrite, for a length of 0 too.
+    /// \throws as PrepWrite, for a length of 0 too: an empty text cannot be written here.
     void Write(const char* source, unsigned int length) override;
     using VUKSimRpm_BStreamWrite::Write;
 

@@ -30,7 +30,8 @@ public:
     /// then, but waiting bytes may have been flushed.
     [[nodiscard]] char* PrepWrite(unsigned long requestedLength) override;
 
-    /// A length of 0 does nothing. \throws as PrepWrite, but any length may be written.
+    /// A length of 0 does nothing. \throws as PrepWrite, but any length may be written. What could
+    /// not be written is not counted.
     void Write(const char* source, unsigned int length) override;
     using VUKSimRpm_BStreamWrite::Write;
 

@@ -23,8 +23,8 @@ public:
         Read = 2    // open an existing file for reading
     };
 
-    /// An empty document. The first four characters of `signature` mark every pool it writes, and
-    /// it opens only pools that carry them.
+    /// An empty document. The first four characters of `signature`, which are copied, mark every
+    /// pool it writes, and it opens only pools that carry them. Missing ones count as zero bytes.
     explicit VUKSimRpm_Document(const char* signature);
 
     VUKSimRpm_Document(const VUKSimRpm_Document&) = delete;
@@ -36,18 +36,22 @@ public:
     /// Opens `name` and adds it. A file that is in the document already is returned as it is,
     /// whatever `mode` was asked for, except for Write.
     /// \throws VUKSimExcCantCreateFile for Write on a file of the document; the platform's file
-    /// errors; the exceptions of loading pools. The document keeps its files; slots of pools that
-    /// were loaded before the failure stay in the pool map.
+    /// errors; the exceptions of loading pools; VUKBasAssertException "!\"Bad mode.\"" for another
+    /// mode and a file that is not open. The document keeps its files; slots of pools that were
+    /// loaded before the failure stay in the pool map.
     VUKSimRpm_File AddFile(const VUKString& name, AccessMode mode);
 
     /// A new file `name` plus a unique suffix, with a first pool (`flag`: see
-    /// VUKSimRpm_File::NewPool); it is removed when it is closed.
+    /// VUKSimRpm_File::NewPool); it is removed when it is closed. \throws the platform's file
+    /// errors; the document's files stay as they are.
     VUKSimRpm_File CreateTemporary(const VUKString& name, bool flag);
 
-    /// A new file `name` plus a unique part plus `second`, with a first pool; it is kept.
+    /// A new file `name` plus a unique part plus `second`, with a first pool; it is kept, also when
+    /// that pool cannot be written. \throws as CreateTemporary.
     VUKSimRpm_File CreateGenerated(const VUKString& name, const VUKString& second, bool flag);
 
-    /// Flushes every file, in the order they were added. Stops at the first failure.
+    /// Flushes every file, in the order they were added: see VUKSimRpm_File::Flush. Stops at the
+    /// first failure.
     void Flush();
 
     /// Flushes and closes every file and forgets all slots: every locator is null afterwards. New
@@ -55,10 +59,12 @@ public:
     void Close();
 
     /// Flushes and closes one file. Locators into it come back to life when it is added again.
-    /// \throws VUKSimExcCantGetFile when `file` is not an open file of this document.
+    /// \throws VUKSimExcCantGetFile when `file` is not an open file of this document; the
+    /// platform's file errors: the document keeps the file then, and closing can be tried again.
     void Close(const VUKSimRpm_File& file);
 
     /// 1 for a file of format version 3 to 6, 2 for version 1 or 2, else 0. Does not load the file.
+    /// \throws the platform's file errors when it cannot be opened or read, as do the other three.
     [[nodiscard]] static int GetFileType(const VUKString& name);
 
     /// Whether the version is 5 or less, greater than 6, other than 6. The signature plays no part.

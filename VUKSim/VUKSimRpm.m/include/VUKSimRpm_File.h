@@ -55,11 +55,14 @@ public:
     /// Copies `pool`, of another document, behind the current pool and makes the copy current. A
     /// current pool without data is dropped and replaced. References inside it stay true.
     /// \throws VUKSimExcNewPoolReadOnly, VUKSimExcPoolAlreadyInDoc, VUKSimExcCantDerefLocator for a
-    /// null `pool`, before any change; VUKSimExcShortPool and the exceptions of loading a pool
-    /// after the bytes were copied: they stay in the file, but are no pool of it.
+    /// null `pool`, before any change; VUKSimExcShortPool, the platform's file errors and the
+    /// exceptions of loading a pool after that: an empty current pool stays dropped, and what was
+    /// copied stays in the file, but is no pool of it. The next pool is placed behind it.
     void AppendPool(const VUKSimRpm_Pool& pool);
 
-    /// Rewrites the current pool's header and makes all that was written durable.
+    /// Rewrites the current pool's header and makes all that was written durable. Bytes that were
+    /// allocated and never written stay off the disk. A read-only file has nothing to flush.
+    /// \throws the platform's file errors; after a failed sync, at every later call too.
     void Flush();
 
     /// The file behind the handle, for the document that closes it.

@@ -76,24 +76,31 @@ public:
 
     /// Copies up to `length` bytes into `buffer` and returns how many. Past the end of the file or
     /// of the memory pool the count is short and the rest of `buffer` is left as it was.
-    /// \throws VUKSimExcCantDerefLocator when the pool is not open.
+    /// \throws VUKSimExcCantDerefLocator when the pool is not open; VUKBasAssertException
+    /// "SamePool(that)" when the memory pool holds bytes of another pool; the platform's file
+    /// errors.
     [[nodiscard]] unsigned long Read(unsigned long length, char* buffer) const;
 
     /// Writes `length` bytes from `buffer` and returns the count. With a memory pool its image is
     /// changed first and the pool second, and the bytes must lie wholly inside the image.
-    /// \throws VUKSimExcCantDerefLocator when the pool is not open; VUKSimExcIOBounds past the
-    /// pool's data; VUKSimExcWriteReadOnly; VUKBasAssertException "Within(location, length)".
+    /// \throws VUKBasAssertException "Within(location, length)"; nothing is changed then.
+    /// VUKSimExcCantDerefLocator when the pool is not open; VUKSimExcIOBounds past the pool's data;
+    /// VUKSimExcWriteReadOnly; the platform's file errors: the image has changed then.
     unsigned long Write(unsigned long length, const char* buffer) const;
 
     /// Writes the 12-byte record: offset, then the index that the stream's directory gives the
     /// pool, -1 for a negative slot. \throws VUKSimExcCantExternalizeLoc when the directory does
-    /// not name the pool, or there is none; the 12 bytes of room are then already taken.
+    /// not name the pool, or there is none; VUKSimExcCantDerefLocator when the stream's document is
+    /// closed, or the pool under it: the 12 bytes of room are then already taken. What PrepWrite
+    /// throws.
     void ExternalizeImpl(VUKSimRpm_BStreamWrite& stream) const;
 
     /// Reads the 12-byte record and takes the stream's memory pool. A negative reference keeps map
     /// and slot as they are and zeroes the offset. On failure the locator is left as it was.
     /// \throws VUKBasAssertException when the reference lies outside the stream's directory;
-    /// VUKSimExcCantExternalizeLoc when the stream has none.
+    /// VUKSimExcCantExternalizeLoc when the stream has none; VUKSimExcCantDerefLocator when the
+    /// stream's document is closed, or the pool under it: the 12 bytes are then consumed. What
+    /// PrepRead throws.
     void InternalizeImpl(VUKSimRpm_BStreamRead& stream);
 
 private:

@@ -16,8 +16,9 @@ public:
     /// Loads `size` bytes from `locator` on (its own memory pool plays no part). An empty
     /// `allocator` stands for the default heap. A null `buffer` is allocated; one that is given
     /// must come from `allocator` and hold `size` bytes, and is adopted: the destructor frees it.
-    /// \throws VUKSimExcCantDerefLocator, or VUKBasAssertException "r == mSize" when the pool
-    /// delivers fewer bytes. A failed constructor frees what it allocated, never the caller's.
+    /// \throws VUKSimExcCantDerefLocator; VUKBasAssertException "r == mSize" when the pool delivers
+    /// fewer bytes; std::bad_alloc; the platform's file errors. A failed constructor frees what it
+    /// allocated, never the caller's buffer.
     VUKSimRpm_MemoryPool(const VUKSimRpm_Locator& locator, unsigned long size,
                          const VUKBasAllocator& allocator, char* buffer);
 

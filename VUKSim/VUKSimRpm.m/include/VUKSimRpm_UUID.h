@@ -29,8 +29,8 @@ public:
     static void TestForceUUID(const char* text) noexcept;
 
 private:
-    static const char*
-        mTestForceUUID; // the caller's pointer, not a copy; null when none is pending
+    // The caller's pointer, not a copy; null when none is pending.
+    static const char* mTestForceUUID;
 
     char mText[kLength];
 };

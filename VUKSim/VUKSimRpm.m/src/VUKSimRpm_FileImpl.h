@@ -43,9 +43,18 @@ public:
 
     [[nodiscard]] VUKSimRpm_DirectLocator DirectLocator(unsigned long long position);
 
-    // The five opens. The flag is NewPool's first argument, for the first pool of a new file.
+    // The five opens. After a failure the object is to be discarded. All throw the platform's
+    // file errors.
+
+    /// Loads the pools of an existing file; one without bytes has none.
+    /// \throws the exceptions of VUKSimRpm_PoolImpl::Load; VUKBasRangeException for a pool whose
+    /// directory is empty. The pools before it stay in the list and in the pool map.
     void OpenRead(const VUKString& name);
+
+    /// As OpenRead; then the last pool may grow, and its header is rewritten at once.
     void OpenUpdate(const VUKString& name);
+
+    // A new file gets a first pool at once; `ownEntryOnly` is NewPool's.
     void OpenWrite(const VUKString& name, bool ownEntryOnly);
     void CreateTemporary(const VUKString& name, bool ownEntryOnly);
     void CreateGenerated(const VUKString& name, const VUKString& second, bool ownEntryOnly);
@@ -61,7 +70,7 @@ public:
     /// \throws VUKSimExcAllocReadOnly when there is something to raise in a read-only file.
     void Extend(unsigned long long newEnd);
 
-    /// Makes the file `size` bytes long, physically and logically.
+    /// Makes the file `size` bytes long, physically and logically; neither when the system refuses.
     void Truncate(const unsigned long long& size);
 
     /// Rewrites the current pool's header and makes all that was written durable.

@@ -20,10 +20,10 @@ constexpr int kWriteOutside = 57;
 
 VUKSimRpm_MemoryPool::VUKSimRpm_MemoryPool(const VUKSimRpm_Locator& locator, unsigned long size,
                                            const VUKBasAllocator& allocator, char* buffer)
+    // The locator loses its memory pool: loading reads the pool, not another image.
     : mAllocator(allocator.Null() ? VUKBasAllocator(new VUKBasMemAllocator) : allocator),
-      mLocator(locator, 0) // drops its memory pool: loading reads the pool, not another image
-      ,
-      mSize(size), mBuffer(buffer != nullptr ? buffer : static_cast<char*>(mAllocator.Alloc(size)))
+      mLocator(locator, 0), mSize(size),
+      mBuffer(buffer != nullptr ? buffer : static_cast<char*>(mAllocator.Alloc(size)))
 {
     try {
         const unsigned long r = mLocator.Read(mSize, mBuffer);

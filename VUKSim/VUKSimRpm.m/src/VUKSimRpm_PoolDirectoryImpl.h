@@ -42,11 +42,12 @@ public:
 
     /// Fills the directory from `count` stored records of 32 bytes. UUIDs the map has not met get
     /// slots without a pool. A count of 0 or less leaves the directory empty.
-    /// \throws VUKSimExcPoolAlreadyInDoc when the first record names an open pool. What was added
-    /// to map and list before stays; the caller discards the directory.
+    /// \throws VUKSimExcPoolAlreadyInDoc when the first record names an open pool; std::bad_alloc.
+    /// What was added to map and list before stays; the caller discards the directory.
     void Load(const char* data, int count);
 
-    /// Writes 32 bytes for each entry to `out`.
+    /// Writes 32 bytes for each entry to `out`. \throws VUKBasAssertException while the directory
+    /// is empty.
     void Dump(char* out) const;
 
     /// The lowest index of slot `dstSlotInMap`, remembered in the map after the first search.

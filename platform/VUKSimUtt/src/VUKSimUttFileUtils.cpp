@@ -1,5 +1,7 @@
 #include "VUKSimUttFileUtils.h"
 
+#include <cerrno>
+
 #include "VUKSimUttRetry.h"
 #include "VUKSimUttSystemCalls.h"
 
@@ -16,11 +18,14 @@ bool LookUp(const VUKString& name, VUKSimUttFileStatus& status)
 bool VUKSimUttFileUtils::FileExists(const VUKString& name)
 {
     VUKSimUttFileStatus status;
-    return LookUp(name, status);
+    return LookUp(name, status) || (errno != ENOENT && errno != ENOTDIR);
 }
 
 bool VUKSimUttFileUtils::SameFile(const VUKString& first, const VUKString& second)
 {
+    if (first == second) {
+        return FileExists(first);
+    }
     VUKSimUttFileStatus one;
     VUKSimUttFileStatus other;
     return LookUp(first, one) && LookUp(second, other) && one.st_dev == other.st_dev &&

@@ -17,18 +17,28 @@ TEST(FileUtils, AFileThatIsThereExists)
     EXPECT_TRUE(VUKSimUttFileUtils::FileExists(folder.File("")));
 }
 
-TEST(FileUtils, WhatCannotBeLookedUpDoesNotExist)
+TEST(FileUtils, WhatIsNotThereDoesNotExist)
 {
     const TemporaryFolder folder;
-    const VUKString name = folder.Write("a.sim", "");
+    folder.Write("a.sim", "");
     std::filesystem::create_symlink("nowhere", folder.Path("link"));
     EXPECT_FALSE(VUKSimUttFileUtils::FileExists(folder.File("none.sim")));
     EXPECT_FALSE(VUKSimUttFileUtils::FileExists(""));
     EXPECT_FALSE(VUKSimUttFileUtils::FileExists(folder.File("link")));
-    ScriptedSystemCalls calls;
-    calls.Script(SystemCall::Stat, {Fails(EACCES)});
-    EXPECT_FALSE(VUKSimUttFileUtils::FileExists(name));
-    EXPECT_TRUE(VUKSimUttFileUtils::FileExists(name));
+    EXPECT_FALSE(VUKSimUttFileUtils::FileExists(folder.File("a.sim/b.sim")));
+}
+
+TEST(FileUtils, WhatCannotBeLookedUpMayExist)
+{
+    const TemporaryFolder folder;
+    const VUKString name = folder.Write("a.sim", "12345");
+    for (const int error : {EACCES, EIO, ENOMEM}) {
+        ScriptedSystemCalls calls;
+        calls.FailAlways(SystemCall::Stat, error);
+        EXPECT_TRUE(VUKSimUttFileUtils::FileExists(name));
+        EXPECT_TRUE(VUKSimUttFileUtils::SameFile(name, name));
+        EXPECT_FALSE(VUKSimUttFileUtils::SameFile(name, folder.File("b.sim")));
+    }
 }
 
 TEST(FileUtils, TheSameFileIsKnownByAnyPathAndLink)
@@ -73,11 +83,12 @@ TEST(FileUtils, IsNotTheSameFileWhenEitherCannotBeLookedUp)
     EXPECT_FALSE(VUKSimUttFileUtils::SameFile(none, name));
     EXPECT_FALSE(VUKSimUttFileUtils::SameFile(none, none));
     EXPECT_FALSE(VUKSimUttFileUtils::SameFile("", ""));
+    const VUKString other = folder.File("./a.sim");
     ScriptedSystemCalls calls; // the first look fails, none, then the second
     calls.Script(SystemCall::Stat, {Fails(EIO), Passes(), Passes(), Passes(), Fails(EIO)});
-    EXPECT_FALSE(VUKSimUttFileUtils::SameFile(name, name));
-    EXPECT_TRUE(VUKSimUttFileUtils::SameFile(name, name));
-    EXPECT_FALSE(VUKSimUttFileUtils::SameFile(name, name));
+    EXPECT_FALSE(VUKSimUttFileUtils::SameFile(name, other));
+    EXPECT_TRUE(VUKSimUttFileUtils::SameFile(name, other));
+    EXPECT_FALSE(VUKSimUttFileUtils::SameFile(name, other));
 }
 
 TEST(FileUtils, LooksAgainWhenASignalInterrupts)
@@ -87,7 +98,7 @@ TEST(FileUtils, LooksAgainWhenASignalInterrupts)
     ScriptedSystemCalls calls;
     calls.Script(SystemCall::Stat, {Fails(EINTR), Fails(EINTR), Passes(), Fails(EINTR)});
     EXPECT_TRUE(VUKSimUttFileUtils::FileExists(name));
-    EXPECT_TRUE(VUKSimUttFileUtils::SameFile(name, name));
+    EXPECT_TRUE(VUKSimUttFileUtils::SameFile(name, folder.File("./a.sim")));
     EXPECT_EQ(calls.Count(SystemCall::Stat), 6);
 }
 
