@@ -38,6 +38,7 @@ DiskEvent Resize(unsigned long long size)
 const DiskEvent kCreate{.kind = Kind::Create, .file = 0};
 const DiskEvent kSync{.kind = Kind::Sync, .file = 0};
 const DiskEvent kNameSync{.kind = Kind::NameSync, .file = -1};
+const DiskEvent kRemove{.kind = Kind::Remove, .file = 0};
 
 std::string Sector(char letter)
 {
@@ -90,6 +91,14 @@ TEST(KilledImages, AreTheDiskBeforeBetweenAndBehindTheEvents)
     EXPECT_THAT(found, ElementsAre("missing", "", "ab", "ab", "ac"));
 }
 
+TEST(KilledImages, MissAFileFromItsRemovalOn)
+{
+    std::vector<std::string> found;
+    VisitKilled(LogOf({kCreate, Write(0, "ab"), kRemove}),
+                [&](const CrashImage& image) { found.push_back(Shape(image.files[0])); });
+    EXPECT_THAT(found, ElementsAre("-", "", "a", "-"));
+}
+
 TEST(KilledImages, CutAShortWriteAtEachByte)
 {
     std::vector<std::string> found;
@@ -135,6 +144,15 @@ TEST(PowerLossImages, MissAFileWhoseNameIsNotDurable)
                 UnorderedElementsAre("-", "x"));
     EXPECT_THAT(ShapesAtTheEnd(LogOf({kCreate, Write(0, "x"), kSync, kNameSync}), 100),
                 ElementsAre("x"));
+}
+
+TEST(PowerLossImages, MayStillHoldAFileWhoseRemovalIsNotDurable)
+{
+    EXPECT_THAT(ShapesAtTheEnd(LogOf({kCreate, kNameSync, Write(0, "x"), kSync, kRemove}), 100),
+                UnorderedElementsAre("-", "x"));
+    EXPECT_THAT(
+        ShapesAtTheEnd(LogOf({kCreate, kNameSync, Write(0, "x"), kSync, kRemove, kNameSync}), 100),
+        ElementsAre("-"));
 }
 
 TEST(PowerLossImages, MayEndAtAPageBorderInsideAWrite)

@@ -1,6 +1,16 @@
 #include "DiskLog.h"
 
 #include <algorithm>
+#include <functional>
+
+std::size_t HashOf(const DiskState& files)
+{
+    std::size_t hash = 0;
+    for (const DiskFile& file : files) {
+        hash = hash * 1000003U + std::hash<std::string>()(file.bytes) + (file.present ? 1U : 0U);
+    }
+    return hash;
+}
 
 void Apply(DiskFile& file, const DiskEvent& event, std::size_t most)
 {
@@ -16,6 +26,9 @@ void Apply(DiskFile& file, const DiskEvent& event, std::size_t most)
     }
     case DiskEvent::Kind::Resize:
         file.bytes.resize(event.position);
+        break;
+    case DiskEvent::Kind::Remove:
+        file = {};
         break;
     case DiskEvent::Kind::Sync:
     case DiskEvent::Kind::NameSync:

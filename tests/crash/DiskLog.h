@@ -12,6 +12,7 @@ struct DiskEvent
         Create,  // the file has come into being, empty
         Write,   // `bytes` at `position`
         Resize,  // the file is `position` bytes long
+        Remove,  // the name of the file is gone, and what it held with it
         Sync,    // all that was done to the file is durable, but for its name
         NameSync // the names of all files are durable; `file` means nothing
     };
@@ -33,6 +34,9 @@ struct DiskFile
 
 /// All files of a log at some moment, by number.
 using DiskState = std::vector<DiskFile>;
+
+/// Tells states apart by what their files hold.
+[[nodiscard]] std::size_t HashOf(const DiskState& files);
 
 /// Makes the first `most` bytes of a write, or the whole of any other event, happen to `file`.
 void Apply(DiskFile& file, const DiskEvent& event, std::size_t most = std::string::npos);

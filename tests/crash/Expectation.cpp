@@ -97,6 +97,15 @@ std::size_t LastSync(const DiskLog& log, int file, std::size_t moment)
     return moment;
 }
 
+// A file is there once a byte of it has to be, until the call that removes it.
+bool MayBeGone(const Ledger& ledger, int file, std::size_t started,
+               const FileExpectation& expectation)
+{
+    const auto removed = ledger.removed.find(file);
+    return (removed != ledger.removed.end() && removed->second < started) ||
+           (expectation.exact.empty() && std::ranges::all_of(expectation.open, &OpenByte::mayMiss));
+}
+
 // `started` is the first moment that is too late to have begun, `settled` the one up to which calls
 // had to be finished for their pools to be certain.
 void AddPools(const Ledger& ledger, const DiskLog& log, int file, std::size_t started,
@@ -139,6 +148,7 @@ FileExpectation ExpectAfterKill(const Ledger& ledger, const DiskLog& log, int fi
     }
     FileExpectation expectation;
     bytes.Fill(expectation);
+    expectation.mayBeGone = MayBeGone(ledger, file, started, expectation);
     AddPools(ledger, log, file, started, moment, expectation);
     return expectation;
 }
@@ -169,6 +179,7 @@ FileExpectation ExpectAfterPowerLoss(const Ledger& ledger, const DiskLog& log, i
     }
     FileExpectation expectation;
     bytes.Fill(expectation);
+    expectation.mayBeGone = MayBeGone(ledger, file, moment, expectation);
     AddPools(ledger, log, file, moment, sync, expectation);
     return expectation;
 }

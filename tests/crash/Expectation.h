@@ -29,6 +29,7 @@ struct FileExpectation
     std::vector<OpenByte> open;
     std::vector<const Ledger::Pool*> known; // each that may be met, in the order they were made
     std::vector<const Ledger::Pool*> sure;  // those that must be met, unless the file is refused
+    bool mayBeGone = true;                  // the file, name and all
     bool inPoolCall = false;          // pools were being made; only then may a file be refused
     unsigned long long quietSize = 0; // of the file when the first of these calls began
 };

@@ -32,11 +32,11 @@ Outcome ImageJudge::Judge(const CrashImage& image)
     std::vector<Opened> files;
     for (std::size_t i = 0; i < image.files.size(); ++i) {
         outcome.inPoolCall = outcome.inPoolCall || mExpected[i].inPoolCall;
-        JudgeExactBytes(image.files[i].bytes, mExpected[i], outcome);
-        JudgeOpenBytes(image.files[i].bytes, mExpected[i], outcome);
         if (image.files[i].present) {
+            JudgeExactBytes(image.files[i].bytes, mExpected[i], outcome);
+            JudgeOpenBytes(image.files[i].bytes, mExpected[i], outcome);
             files.push_back({i, mFiles.Write(i, image.files[i].bytes)});
-        } else if (!mExpected[i].exact.empty()) {
+        } else if (!mExpected[i].mayBeGone) {
             outcome.broken.push_back("P1: the file " + mLog.Names()[i] + " is gone");
         }
     }

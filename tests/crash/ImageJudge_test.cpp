@@ -106,6 +106,22 @@ TEST_F(JudgedStore, MayNotBeMissing)
     EXPECT_THAT(Judge().broken, Contains(HasSubstr("is gone")));
 }
 
+// Its name, made up by the system, is that of the log's second file.
+TEST_F(JudgedStore, MayMissATemporaryFileOnlyFromItsCloseOn)
+{
+    const std::string name = mStore.CreateTemporary("scratch", "c");
+    mStore.Append(name, 3);
+    const std::size_t before = Moment();
+    mStore.Close(name);
+    for (const std::size_t moment : {before, before + 1, Moment()}) {
+        mImage = {mStore.Log().At(moment), CrashModel::Killed, moment, ""};
+        EXPECT_THAT(Judge().broken, IsEmpty());
+        mImage.files.at(1) = {};
+        const Outcome outcome = Judge();
+        EXPECT_EQ(outcome.broken.empty(), moment > before) << moment;
+    }
+}
+
 // At the moment when the second pool's header was written and nothing of it is durable.
 TEST_F(JudgedStore, MayBeRefusedOrLongerWhileAPoolIsMade)
 {

@@ -125,8 +125,10 @@ protected:
 
 TEST_F(KilledWriter, LeavesAllThatItReported)
 {
-    const unsigned wanted = CrashOptions::Current().longRun ? 2500 : 60;
-    std::mt19937_64 random(CrashOptions::Current().seed);
+    const CrashOptions& options = CrashOptions::Current();
+    const unsigned usual = options.longRun ? 2000 : 100;
+    const unsigned wanted = options.kills > 0 ? options.kills : usual;
+    std::mt19937_64 random(options.seed);
     unsigned inPoolCall = 0;
     unsigned refused = 0;
     while (mKills < wanted && !HasFailure()) {

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <limits>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -56,4 +57,5 @@ struct Ledger
     std::vector<Deed> deeds; // in the order in which they began
     std::vector<Pool> pools; // in the order in which they were made
     std::vector<PoolCall> poolCalls;
+    std::map<int, std::size_t> removed; // files, and when the call began that takes each away
 };

@@ -32,6 +32,14 @@ unsigned long long EndOfPoolsAt(unsigned long long position, const FileExpectati
     return end;
 }
 
+// Whether pools were made at that place, but none that is sure to be there.
+bool NeverDurableAt(unsigned long long position, const FileExpectation& expected)
+{
+    const auto isThere = [&](const Ledger::Pool* pool) { return pool->position == position; };
+    return expected.inPoolCall && std::ranges::any_of(expected.known, isThere) &&
+           std::ranges::none_of(expected.sure, isThere);
+}
+
 void JudgeLastPool(const PoolView& last, const Ledger::Pool& known, const std::string& image,
                    const FileExpectation& expected, Outcome& outcome)
 {
@@ -48,11 +56,14 @@ void JudgeLastPool(const PoolView& last, const Ledger::Pool& known, const std::s
         outcome.broken.push_back("the last pool does not end with the file");
     }
     const bool newest = &known == expected.known.back();
-    outcome.longer = expected.inPoolCall && !newest &&
-                     image.size() > std::max(known.dataEnd, expected.quietSize);
+    if (expected.inPoolCall && !newest &&
+        image.size() > std::max(known.dataEnd, expected.quietSize)) {
+        outcome.longer = true;
+    }
 }
 
-// Each pool that must be there is, unless one before it reaches over it.
+// Outside of calls that make pools there are exactly those that must be there; else also such as
+// are being made.
 void JudgePresence(const std::vector<PoolView>& found, const FileExpectation& expected,
                    Outcome& outcome)
 {
@@ -103,7 +114,7 @@ void JudgePools(const std::vector<PoolView>& found, const std::string& image,
             if (last) {
                 JudgeLastPool(pool, *known, image, expected, outcome);
             }
-        } else if (last && expected.inPoolCall && EndOfPoolsAt(pool.position, expected) > 0) {
+        } else if (NeverDurableAt(pool.position, expected)) {
             outcome.mixedUuid = true;
         } else {
             outcome.broken.push_back("an unknown pool " + pool.uuid + At(pool.position));

@@ -19,6 +19,9 @@ class FileChoices
 public:
     void Create() { mNow.present = true; }
 
+    // As long as the removal is not durable the file may be there, with all that it held.
+    void Remove() { mNow.present = false; }
+
     // What was done is durable; only this state of the content can be found from now on.
     void Sync()
     {
@@ -57,8 +60,8 @@ public:
 
     [[nodiscard]] DiskFile Build(const std::size_t* digits, std::string& said) const
     {
-        if (digits[0] == 1 || !mNow.present) {
-            said += mNow.present ? " missing" : "";
+        if (!(digits[0] == 0 ? mNow : mDurable).present) {
+            said += " missing";
             return {};
         }
         DiskFile file{true, mDurable.bytes};
@@ -202,6 +205,8 @@ void Advance(std::vector<FileChoices>& files, const DiskEvent& event)
     FileChoices& file = files[static_cast<std::size_t>(event.file)];
     if (event.kind == DiskEvent::Kind::Create) {
         file.Create();
+    } else if (event.kind == DiskEvent::Kind::Remove) {
+        file.Remove();
     } else if (event.kind == DiskEvent::Kind::Sync) {
         file.Sync();
     } else {

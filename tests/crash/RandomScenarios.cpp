@@ -78,7 +78,8 @@ std::vector<Scenario> RandomScenarios(unsigned count, std::uint64_t seed)
     for (unsigned i = 0; i < count; ++i) {
         const std::uint64_t own = seed + i;
         scenarios.push_back({"random calls, seed " + std::to_string(own),
-                             [own](WatchedStore& store) { RandomCalls(store, own).Make(24); }, 60});
+                             [own](WatchedStore& store) { RandomCalls(store, own).Make(24); }, 60,
+                             std::to_string(count) + " runs of random calls"});
     }
     return scenarios;
 }

@@ -13,6 +13,7 @@ RecordingDisk::RecordingDisk(const std::string& folder)
     calls.ftruncate = &Resize;
     calls.fdatasync = &SyncData;
     calls.fsync = &SyncAll;
+    calls.unlink = &Remove;
 }
 
 RecordingDisk::~RecordingDisk()
@@ -85,6 +86,18 @@ int RecordingDisk::SyncAll(int descriptor)
         sActive->mLog.Add({.kind = DiskEvent::Kind::NameSync, .file = -1});
     } else if (result == 0) {
         sActive->Record(descriptor, DiskEvent::Kind::Sync);
+    }
+    return result;
+}
+
+int RecordingDisk::Remove(const char* path)
+{
+    RecordingDisk& disk = *sActive;
+    const int result = disk.mOuter.unlink(path);
+    const std::string name = path;
+    if (result == 0 && name.starts_with(disk.mFolder)) {
+        disk.mLog.Add({.kind = DiskEvent::Kind::Remove,
+                       .file = disk.mLog.File(name.substr(disk.mFolder.size()))});
     }
     return result;
 }

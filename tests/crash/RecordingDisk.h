@@ -33,6 +33,7 @@ private:
     static int Resize(int descriptor, off_t size);
     static int SyncData(int descriptor);
     static int SyncAll(int descriptor);
+    static int Remove(const char* path);
 
     void Record(int descriptor, DiskEvent::Kind kind, unsigned long long position = 0,
                 const std::string& bytes = {});

@@ -141,6 +141,21 @@ void NewPoolsOntoEmptyOnes(WatchedStore& store)
     store.Flush("a.sim");
 }
 
+// The header of the first two lies over the border of the first sector, and none is made durable
+// before the next one follows.
+void PoolsInAHurry(WatchedStore& store)
+{
+    store.Create("a.sim", "a");
+    store.Append("a.sim", 370);
+    store.Flush("a.sim");
+    store.NewPool("a.sim", "b", true);
+    store.NewPool("a.sim", "c", true);
+    store.Append("a.sim", 50);
+    store.NewPool("a.sim", "d", true);
+    store.Append("a.sim", 20);
+    store.Flush("a.sim");
+}
+
 void ImportsBehindData(WatchedStore& store)
 {
     ImportSource grown("11112222333344445555666677778888");
@@ -226,6 +241,25 @@ void SeveralFiles(WatchedStore& store)
     store.CloseAll();
 }
 
+void TemporaryFiles(WatchedStore& store)
+{
+    store.Create("a.sim", "a");
+    store.Append("a.sim", 130);
+    store.Flush("a.sim");
+    const std::string scratch = store.CreateTemporary("scratch", "b");
+    store.Append(scratch, 700);
+    store.Flush(scratch);
+    store.NewPool(scratch, "c", false);
+    store.Append(scratch, 60);
+    store.Append("a.sim", 90);
+    store.Close(scratch); // takes it away
+    store.Flush("a.sim");
+    store.Append("a.sim", 11);
+    const std::string other = store.CreateTemporary("scratch", "d");
+    store.Append(other, 20);
+    store.CloseAll();
+}
+
 void CloseAndUpdate(WatchedStore& store)
 {
     store.Create("a.sim", "a");
@@ -271,11 +305,13 @@ std::vector<Scenario> AllScenarios()
         {"new pools behind data", &NewPoolsBehindData},
         {"new pools behind unwritten tails", &NewPoolsBehindUnwrittenTails},
         {"new pools onto empty ones", &NewPoolsOntoEmptyOnes},
+        {"pools without a flush between", &PoolsInAHurry},
         {"imports behind data", &ImportsBehindData},
         {"imports onto empty pools", &ImportsOntoEmptyPools},
         {"import of a long pool", &ImportOfALongPool, 12},
         {"first pools of empty files", &EmptyFile},
         {"several files", &SeveralFiles},
+        {"temporary files", &TemporaryFiles},
         {"close and update", &CloseAndUpdate},
         {"write over a file", &WriteOverAFile},
     };
@@ -283,7 +319,7 @@ std::vector<Scenario> AllScenarios()
     for (Scenario& scenario : all) {
         scenario.powerLosses *= options.longRun ? 40 : 1;
     }
-    for (Scenario& scenario : RandomScenarios(options.longRun ? 200 : 6, options.seed)) {
+    for (Scenario& scenario : RandomScenarios(options.longRun ? 400 : 16, options.seed)) {
         all.push_back(std::move(scenario));
     }
     return all;

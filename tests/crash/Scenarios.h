@@ -14,6 +14,7 @@ struct Scenario
     std::string name;
     std::function<void(WatchedStore&)> run;
     std::size_t powerLosses = 160; // images per moment; fewer where files are large
+    std::string row = {};          // where it is counted; empty: under its name
 
     friend std::ostream& operator<<(std::ostream& out, const Scenario& scenario)
     {

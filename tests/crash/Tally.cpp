@@ -1,19 +1,9 @@
 #include "Tally.h"
 
 #include <algorithm>
-#include <functional>
 #include <iomanip>
 
 namespace {
-
-std::size_t HashOf(const DiskState& files)
-{
-    std::size_t hash = 0;
-    for (const DiskFile& file : files) {
-        hash = hash * 1000003U + std::hash<std::string>()(file.bytes) + (file.present ? 1U : 0U);
-    }
-    return hash;
-}
 
 // A count and its share of `all`.
 void PrintShare(std::ostream& out, std::size_t count, std::size_t all)
@@ -29,6 +19,12 @@ Tally& Tally::Total()
 {
     static Tally total;
     return total;
+}
+
+Tally& Tally::Unextended()
+{
+    static Tally unextended;
+    return unextended;
 }
 
 void Tally::Count(const std::string& scenario, const CrashImage& image, const Outcome& outcome)
@@ -50,22 +46,19 @@ void Tally::Count(const std::string& scenario, const CrashImage& image, const Ou
     }
 }
 
-std::size_t Tally::States() const
+Tally::Row Tally::At(const std::string& scenario, CrashModel model) const
 {
-    std::size_t states = 0;
-    for (const auto& [key, row] : mRows) {
-        states += row.states;
-    }
-    return states;
+    const auto found = mRows.find({scenario, model});
+    return found == mRows.end() ? Row() : found->second;
 }
 
-std::size_t Tally::Broken() const
+Tally::Row Tally::Sum() const
 {
-    std::size_t broken = 0;
+    Row sum;
     for (const auto& [key, row] : mRows) {
-        broken += row.broken;
+        sum.Add(row);
     }
-    return broken;
+    return sum;
 }
 
 void Tally::Print(std::ostream& out) const
@@ -77,11 +70,9 @@ void Tally::Print(std::ostream& out) const
     std::map<CrashModel, Row> totals;
     for (const std::string& scenario : mScenarios) {
         for (const CrashModel model : kCrashModels) {
-            const auto found = mRows.find({scenario, model});
-            if (found != mRows.end()) {
-                PrintRow(out, scenario, NameOf(model), found->second);
-                totals[model].Add(found->second);
-            }
+            const Row row = At(scenario, model);
+            PrintRow(out, scenario, NameOf(model), row);
+            totals[model].Add(row);
         }
     }
     for (const auto& [model, row] : totals) {

@@ -15,17 +15,6 @@
 class Tally
 {
 public:
-    /// The one of this program, printed behind the last test.
-    static Tally& Total();
-
-    void Count(const std::string& scenario, const CrashImage& image, const Outcome& outcome);
-
-    [[nodiscard]] std::size_t States() const;
-    [[nodiscard]] std::size_t Broken() const;
-
-    void Print(std::ostream& out) const;
-
-private:
     struct Row
     {
         std::size_t states = 0;
@@ -40,6 +29,23 @@ private:
         void Add(const Row& other);
     };
 
+    /// The one of this program, printed behind the last test.
+    static Tally& Total();
+
+    /// The same runs with files that are not extended before a freeze.
+    static Tally& Unextended();
+
+    void Count(const std::string& scenario, const CrashImage& image, const Outcome& outcome);
+
+    [[nodiscard]] const std::vector<std::string>& Scenarios() const noexcept { return mScenarios; }
+
+    [[nodiscard]] Row At(const std::string& scenario, CrashModel model) const;
+
+    [[nodiscard]] Row Sum() const;
+
+    void Print(std::ostream& out) const;
+
+private:
     static void PrintRow(std::ostream& out, const std::string& scenario, const std::string& model,
                          const Row& row);
 

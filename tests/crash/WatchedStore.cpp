@@ -45,7 +45,24 @@ std::string WatchedStore::CreateGenerated(const std::string& name, const std::st
     const std::size_t begin = Now();
     const std::string uuid = UuidOf(letters);
     VUKSimRpm_UUID::TestForceUUID(uuid.c_str());
-    const auto handle = mDocument.CreateGenerated(mFolder.File(name), ".sim", true);
+    return OpenedAs(mDocument.CreateGenerated(mFolder.File(name), ".sim", true), uuid, begin);
+}
+
+std::string WatchedStore::CreateTemporary(const std::string& name, const std::string& letters)
+{
+    const std::size_t begin = Now();
+    const std::string uuid = UuidOf(letters);
+    VUKSimRpm_UUID::TestForceUUID(uuid.c_str());
+    const std::string made =
+        OpenedAs(mDocument.CreateTemporary(mFolder.File(name), true), uuid, begin);
+    At(made).temporary = true;
+    return made;
+}
+
+// A file under a name that the system made up; returns the name.
+std::string WatchedStore::OpenedAs(const VUKSimRpm_File& handle, const std::string& uuid,
+                                   std::size_t begin)
+{
     const std::string full = handle.FileName().UTF8();
     const std::string made = full.substr(mFolder.Path("").size());
     Opened(made, handle, uuid, begin);
@@ -75,15 +92,18 @@ void WatchedStore::Opened(const std::string& name, const VUKSimRpm_File& handle,
     for (const std::size_t pool : mClosed[name]) {
         mLedger.pools[pool].dropped = std::min(mLedger.pools[pool].dropped, begin);
     }
-    mFiles.insert_or_assign(name, OpenFile{handle, number, {}, {}});
+    mFiles.insert_or_assign(name, OpenFile{handle, number, {}, {}, false});
     mLedger.poolCalls.push_back({number, begin, Now()});
     AddPool(At(name), uuid, begin, 0);
 }
 
 void WatchedStore::Update(const std::string& name)
 {
-    OpenFile file{
-        mDocument.AddFile(mFolder.File(name), VUKSimRpm_Document::Update), -1, mClosed[name], {}};
+    OpenFile file{mDocument.AddFile(mFolder.File(name), VUKSimRpm_Document::Update),
+                  -1,
+                  mClosed[name],
+                  {},
+                  false};
     for (std::size_t i = 0; i < Log().Names().size(); ++i) {
         file.number = Log().Names()[i] == name ? static_cast<int>(i) : file.number;
     }
@@ -104,7 +124,7 @@ void WatchedStore::Flush(const std::string& name)
 {
     const std::size_t begin = Now();
     At(name).handle.Flush();
-    Flushed(At(name).number, begin);
+    Flushed(At(name), begin);
 }
 
 void WatchedStore::FlushAll()
@@ -112,7 +132,7 @@ void WatchedStore::FlushAll()
     const std::size_t begin = Now();
     mDocument.Flush();
     for (const auto& [name, file] : mFiles) {
-        Flushed(file.number, begin);
+        Flushed(file, begin);
     }
 }
 
@@ -120,8 +140,7 @@ void WatchedStore::Close(const std::string& name)
 {
     const std::size_t begin = Now();
     mDocument.Close(At(name).handle);
-    Flushed(At(name).number, begin);
-    mClosed[name] = At(name).pools;
+    Closed(name, begin);
     mFiles.erase(name);
 }
 
@@ -130,8 +149,7 @@ void WatchedStore::CloseAll()
     const std::size_t begin = Now();
     mDocument.Close();
     for (const auto& [name, file] : mFiles) {
-        Flushed(file.number, begin);
-        mClosed[name] = file.pools;
+        Closed(name, begin);
     }
     mFiles.clear();
 }
@@ -337,9 +355,21 @@ void WatchedStore::Write(OpenFile& file, unsigned pool, unsigned long long offse
                              DataBegin(file, pool) + offset, bytes});
 }
 
-void WatchedStore::Flushed(int number, std::size_t begin)
+void WatchedStore::Flushed(const OpenFile& file, std::size_t begin)
 {
-    mLedger.deeds.push_back({Ledger::Deed::Kind::Flushed, number, begin, Now()});
+    if (!file.temporary) {
+        mLedger.deeds.push_back({Ledger::Deed::Kind::Flushed, file.number, begin, Now()});
+    }
+}
+
+void WatchedStore::Closed(const std::string& name, std::size_t begin)
+{
+    const OpenFile& file = At(name);
+    Flushed(file, begin);
+    mClosed[name] = file.pools;
+    if (file.temporary) {
+        mLedger.removed.insert({file.number, begin});
+    }
 }
 
 unsigned long long WatchedStore::DataBegin(const OpenFile& file, unsigned pool) const

@@ -30,6 +30,7 @@ public:
     // Opening and closing. The letters make the UUID of the first pool.
     void Create(const std::string& name, const std::string& letters);
     std::string CreateGenerated(const std::string& name, const std::string& letters);
+    std::string CreateTemporary(const std::string& name, const std::string& letters);
     void CreateEmpty(const std::string& name); // durable, and without the library
     void Update(const std::string& name);
     void Flush(const std::string& name);
@@ -64,11 +65,13 @@ private:
         int number;
         std::vector<std::size_t> pools;          // indices into the ledger's, in file order
         std::vector<unsigned long long> lengths; // of their data
+        bool temporary = false;                  // promised nothing, and removed when it is closed
     };
 
     OpenFile& At(const std::string& name) { return mFiles.at(name); }
     [[nodiscard]] std::size_t Now() const noexcept { return mDisk.Now(); }
     std::string Bytes(std::size_t length);
+    std::string OpenedAs(const VUKSimRpm_File& handle, const std::string& uuid, std::size_t begin);
     void Opened(const std::string& name, const VUKSimRpm_File& handle, const std::string& uuid,
                 std::size_t begin);
     void AddPool(OpenFile& file, const std::string& uuid, std::size_t begin,
@@ -77,7 +80,8 @@ private:
     void Grow(OpenFile& file, unsigned long long length);
     void Write(OpenFile& file, unsigned pool, unsigned long long offset, const std::string& bytes,
                const std::function<void()>& call);
-    void Flushed(int number, std::size_t begin);
+    void Flushed(const OpenFile& file, std::size_t begin);
+    void Closed(const std::string& name, std::size_t begin);
     [[nodiscard]] unsigned long long DataBegin(const OpenFile& file, unsigned pool) const;
 
     TemporaryFolder mFolder;

@@ -3,21 +3,24 @@
 #include "mem_Alloc.h"
 
 #include <cstddef>
+#include <limits>
 
-/// Lets a number of the platform's allocations pass and fails all after them, for as long as it
-/// lives. One at a time.
+/// Lets a number of the platform's allocations pass and fails those after them, all or so many, for
+/// as long as it lives. One at a time.
 class LimitedMemory
 {
 public:
-    explicit LimitedMemory(int allocations) : mFunctions(mem_CurrentFunctions())
+    explicit LimitedMemory(int allocations, int refusals = std::numeric_limits<int>::max())
+        : mFunctions(mem_CurrentFunctions())
     {
         sFunctions = mFunctions;
         sLeft = allocations;
+        sRefusals = refusals;
         mem_CurrentFunctions().allocate = [](std::size_t size) -> void* {
-            return sLeft-- > 0 ? sFunctions.allocate(size) : nullptr;
+            return Passes() ? sFunctions.allocate(size) : nullptr;
         };
         mem_CurrentFunctions().allocateZeroed = [](std::size_t size) -> void* {
-            return sLeft-- > 0 ? sFunctions.allocateZeroed(size) : nullptr;
+            return Passes() ? sFunctions.allocateZeroed(size) : nullptr;
         };
     }
     LimitedMemory(const LimitedMemory&) = delete;
@@ -31,8 +34,11 @@ public:
     [[nodiscard]] static int Left() noexcept { return sLeft > 0 ? sLeft : 0; }
 
 private:
+    static bool Passes() noexcept { return sLeft-- > 0 || sLeft < -sRefusals; }
+
     static inline mem_Functions sFunctions = {}; // those that do the work
     static inline int sLeft = 0;                 // below zero once one was refused
+    static inline int sRefusals = 0;             // how many are
 
     mem_Functions mFunctions; // the table to put back
 };

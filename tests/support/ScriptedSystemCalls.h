@@ -6,11 +6,13 @@
 #include <cerrno>
 #include <cstddef>
 #include <deque>
+#include <functional>
 #include <initializer_list>
 #include <iterator>
 #include <limits>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// The members of the platform's table of system calls.
@@ -101,6 +103,9 @@ public:
         mCountdownError = errorNumber;
     }
 
+    /// From now on `answer` decides about every call, whatever else was asked for.
+    void AnswerBy(std::function<CallAnswer(const Made&)> answer) { mAnswerBy = std::move(answer); }
+
     /// Whether the call that FailCall chose has come.
     [[nodiscard]] bool CallFailed() const noexcept { return mCountdown == 0; }
 
@@ -125,6 +130,9 @@ private:
     CallAnswer Next(const Made& made)
     {
         mCalls.push_back(made);
+        if (mAnswerBy) {
+            return mAnswerBy(made);
+        }
         if (mCountdown > 0 && --mCountdown == 0) {
             return Fails(mCountdownError);
         }
@@ -255,6 +263,7 @@ private:
 
     VUKSimUttSystemCalls mOuter; // the table before, which does the work
     std::vector<Made> mCalls;
+    std::function<CallAnswer(const Made&)> mAnswerBy; // empty for none
     std::map<SystemCall, std::deque<CallAnswer>> mAnswers;
     std::map<SystemCall, int> mSticky; // errno values
     int mCountdown = -1;               // calls up to the one that fails; negative for none
