@@ -1,60 +1,45 @@
 #include "Damage.h"
 
+#include "Choices.h"
 #include "Registers.h"
 
 #include <algorithm>
 
 namespace {
 
-// What may be hit in a pool.
-enum Field
-{
-    Signature,
-    Version,
-    UserSignature,
-    LengthDigit,
-    WholeLength,
-    Reserved,
-    SmallCount,
-    CountByte,
-    UuidByte,
-    OwnUuid,
-    DataByte
-};
-
 // The pool's bytes as they would be with one field hit; may be longer than the pool.
-void Hit(std::string& pool, const std::string& first, std::uint32_t field, std::uint32_t byte)
+void Hit(std::string& pool, const std::string& first, Field field, std::uint32_t byte)
 {
     const auto character = static_cast<char>(byte);
     switch (field) {
-    case Signature:
+    case Field::Signature:
         pool[byte % 8] = static_cast<char>(pool[byte % 8] ^ 1);
         break;
-    case Version:
+    case Field::Version:
         pool[8] = std::string{5, 7, 1, 0, '\xFF', '\x80', 6}[byte % 7];
         break;
-    case UserSignature:
+    case Field::UserSignature:
         pool.replace(16, 4, byte % 2 == 0 ? "AAAA" : "BBBB");
         break;
-    case LengthDigit:
+    case Field::LengthDigit:
         pool[20 + byte % 16] = static_cast<char>(byte / 2 + 40);
         break;
-    case WholeLength:
+    case Field::WholeLength:
         pool.replace(20, 16, std::string(13, '0') + std::to_string(100 + byte));
         break;
-    case Reserved:
+    case Field::Reserved:
         pool[9 + byte % 7] = pool[36 + byte % 8] = character;
         break;
-    case SmallCount:
+    case Field::SmallCount:
         pool[44] = static_cast<char>(byte % 8);
         break;
-    case CountByte:
+    case Field::CountByte:
         pool[44 + byte % 4] = static_cast<char>(byte / 4);
         break;
-    case UuidByte:
+    case Field::UuidByte:
         pool[48 + byte % 64] = static_cast<char>(byte % 3 == 0 ? 0 : byte);
         break;
-    case OwnUuid:
+    case Field::OwnUuid:
         pool.replace(48, 32, first, 48, 32);
         break;
     default:
@@ -98,7 +83,7 @@ std::string Damaged(const Operation& operation, std::string content)
     pool.resize(std::max<std::size_t>(size, 400)); // room for any hit
     std::string first = content;
     first.resize(std::max<std::size_t>(first.size(), 80));
-    Hit(pool, first, arguments[2], arguments[3]);
+    Hit(pool, first, static_cast<Field>(arguments[2]), arguments[3]);
     pool.resize(size); // a file does not become longer
     return content.replace(start, size, pool);
 }

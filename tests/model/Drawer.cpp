@@ -52,6 +52,17 @@ std::vector<int> WeightsOf(const Sort& sort)
     return weights;
 }
 
+std::uint32_t DrawByWeight(const std::vector<int>& weights, Random& random)
+{
+    const int all = std::accumulate(weights.begin(), weights.end(), 0);
+    auto left = static_cast<int>(random.Below(static_cast<std::uint32_t>(all)));
+    const auto drawn = std::find_if(weights.begin(), weights.end(), [&](int weight) {
+        left -= weight;
+        return left < 0;
+    });
+    return static_cast<std::uint32_t>(drawn - weights.begin());
+}
+
 std::uint32_t DrawArgument(const Argument& argument, Random& random)
 {
     switch (argument.domain) {
@@ -66,6 +77,8 @@ std::uint32_t DrawArgument(const Argument& argument, Random& random)
         default:
             return random.Below(65);
         }
+    case Argument::Domain::Choice:
+        return DrawByWeight(argument.weights, random);
     case Argument::Domain::Limit:
         return random.InEight(4) ? 0 : random.Below(200);
     default:
@@ -75,13 +88,7 @@ std::uint32_t DrawArgument(const Argument& argument, Random& random)
 
 Operation DrawOperation(const std::vector<int>& weights, Random& random)
 {
-    const int all = std::accumulate(weights.begin(), weights.end(), 0);
-    auto left = static_cast<int>(random.Below(static_cast<std::uint32_t>(all)));
-    const auto drawn = std::find_if(weights.begin(), weights.end(), [&](int weight) {
-        left -= weight;
-        return left < 0;
-    });
-    const KindFacts& facts = AllKinds()[static_cast<std::size_t>(drawn - weights.begin())];
+    const KindFacts& facts = AllKinds()[DrawByWeight(weights, random)];
     Operation operation{.kind = facts.kind};
     for (std::size_t i = 0; i < facts.arguments.size(); ++i) {
         const Argument& argument = facts.arguments[i];
@@ -98,8 +105,8 @@ Script Beginning(Random& random)
 {
     Script script;
     for (std::uint32_t i = 0; i < kDocuments; ++i) {
-        script.push_back({Kind::AddFile, {i, i, 0, i, 0}});
-        script.push_back({Kind::FileAllocate, {i, random.Below(65), i, 1}});
+        script.push_back({Kind::AddFile, {i, i, 0, i}});
+        script.push_back({Kind::FileAllocate, {i, random.Below(65), i}});
         script.push_back({Kind::TakeCurrentPool, {i, i}});
     }
     return script;

@@ -160,8 +160,8 @@ void Duel::ChangeDisk(const Operation& operation)
         unlink(name.c_str());
         return;
     }
-    const std::size_t open = FactsOf(operation.kind).arguments.size() - 1;
-    mReal.skipped = content.use_count() > 2 && operation.arguments[open] != 0;
+    const std::size_t evenOpen = FactsOf(operation.kind).arguments.size() - 1; // the last one
+    mReal.skipped = content.use_count() > 2 && operation.arguments[evenOpen] == 0;
     if (!mReal.skipped && !content->empty()) {
         *content = Damaged(operation, *content);
         SystemFile(name, O_RDWR).Replace(*content);

@@ -6,17 +6,17 @@ using Domain = Argument::Domain;
 
 Argument Of(const char* name, std::uint32_t count)
 {
-    return {name, Domain::Range, count};
+    return {name, Domain::Range, count, {}};
 }
 
 Argument RegisterOf(const char* name, std::uint32_t count)
 {
-    return {name, Domain::Register, count};
+    return {name, Domain::Register, count, {}};
 }
 
-Argument LengthOf(const char* name)
+Argument ChoiceOf(const char* name, const std::vector<int>& weights)
 {
-    return {name, Domain::Length};
+    return {name, Domain::Choice, static_cast<std::uint32_t>(weights.size()), weights};
 }
 
 const Argument kDocument = RegisterOf("document", kDocuments);
@@ -28,19 +28,29 @@ const Argument kMemory = RegisterOf("memory", kMemories);
 const Argument kReader = RegisterOf("reader", kReaders);
 const Argument kWriter = RegisterOf("writer", kWriters);
 const Argument kChunk = Of("chunk", 65);
-const Argument kLimit = {"limit", Domain::Limit};
+const Argument kLimit = {"limit", Domain::Limit, 0, {}};
 const Argument kByte = Of("byte", 256);
-const Argument kBound = Of("bound", 4); // a stream over a buffer: to the pool, except for 0
-const Argument kUuid = Of("uuid", 16);  // see Registers::PrepareUuid
-const Argument kSize = LengthOf("length");
+const Argument kBound = ChoiceOf("bound", {1, 3}); // a stream over a buffer, to the pool
+const Argument kSize = {"length", Domain::Length, 0, {}};
+const Argument kHuge = ChoiceOf("huge", {31, 1});         // over the end of all positions
+const Argument kEvenOpen = ChoiceOf("even-open", {7, 1}); // files that are open, too
+const Argument kMode = ChoiceOf("mode", {7, 10, 5, 1, 1});
+const Argument kFirstUuid = ChoiceOf("uuid", {9, 1}); // of a file's first pool
+const Argument kUuid = ChoiceOf("uuid", {10, 1, 2, 1, 1, 1});
 } // namespace
 
 const std::vector<KindFacts>& AllKinds()
 {
     static const std::vector<KindFacts> kinds{
-        {Kind::AddFile, "add-file", {kDocument, kName, Of("mode", 24), kFile, kUuid}, 90},
-        {Kind::CreateTemporary, "create-temporary", {kDocument, Of("flag", 2), kFile, kUuid}, 3},
-        {Kind::CreateGenerated, "create-generated", {kDocument, Of("flag", 2), kFile, kUuid}, 3},
+        {Kind::AddFile, "add-file", {kDocument, kName, kMode, kFile, kFirstUuid}, 90},
+        {Kind::CreateTemporary,
+         "create-temporary",
+         {kDocument, Of("flag", 2), kFile, kFirstUuid},
+         3},
+        {Kind::CreateGenerated,
+         "create-generated",
+         {kDocument, Of("flag", 2), kFile, kFirstUuid},
+         3},
         {Kind::FlushDocument, "flush-document", {kDocument}, 10},
         {Kind::CloseDocument, "close-document", {kDocument}, 2},
         {Kind::CloseFile, "close-file", {kDocument, kFile}, 20},
@@ -50,10 +60,10 @@ const std::vector<KindFacts>& AllKinds()
 
         {Kind::DamageFile,
          "damage-file",
-         {kName, Of("pool", 400), Of("field", 12), kByte, Of("open", 8)},
+         {kName, Of("pool", 400), Of("field", 11), kByte, kEvenOpen},
          15},
-        {Kind::CutFile, "cut-file", {kName, Of("pool", 400), Of("at", 600), Of("open", 8)}, 8},
-        {Kind::LengthenFile, "lengthen-file", {kName, kSize, kByte, Of("open", 8)}, 4},
+        {Kind::CutFile, "cut-file", {kName, Of("pool", 400), Of("at", 600), kEvenOpen}, 8},
+        {Kind::LengthenFile, "lengthen-file", {kName, kSize, kByte, kEvenOpen}, 4},
         {Kind::RemoveFile, "remove-file", {kName}, 5},
 
         {Kind::AskFile, "ask-file", {kFile}, 20},
@@ -61,16 +71,16 @@ const std::vector<KindFacts>& AllKinds()
         {Kind::TakeCurrentPool, "take-current-pool", {kFile, kPool}, 40},
         {Kind::FileStart, "file-start", {kFile, kPlace}, 15},
         {Kind::FileEnd, "file-end", {kFile, kPlace}, 15},
-        {Kind::FileAllocate, "file-allocate", {kFile, kSize, kPlace, Of("huge", 32)}, 50},
+        {Kind::FileAllocate, "file-allocate", {kFile, kSize, kPlace, kHuge}, 50},
         {Kind::NewPool, "new-pool", {kFile, Of("flag", 2), kUuid, Of("known", 16)}, 40},
-        {Kind::ManyPools, "many-pools", {kFile, Of("count", 40), Of("flag", 8)}, 1},
+        {Kind::ManyPools, "many-pools", {kFile, Of("count", 40), ChoiceOf("flag", {1, 7})}, 1},
         {Kind::AppendPool, "append-pool", {kFile, Of("pool", kPools)}, 40},
         {Kind::FlushFile, "flush-file", {kFile}, 20},
 
         {Kind::AskPool, "ask-pool", {kPool}, 20},
         {Kind::PoolStart, "pool-start", {kPool, kPlace}, 50},
         {Kind::PoolEnd, "pool-end", {kPool, kPlace}, 20},
-        {Kind::PoolAllocate, "pool-allocate", {kPool, kSize, kPlace, Of("huge", 32)}, 30},
+        {Kind::PoolAllocate, "pool-allocate", {kPool, kSize, kPlace, kHuge}, 30},
 
         {Kind::ResetLocator, "reset-locator", {kPlace}, 5},
         {Kind::CopyLocator, "copy-locator", {kPlace, Of("to", kLocators)}, 15},

@@ -1,17 +1,19 @@
 #include "Motifs.h"
 
+#include "Choices.h"
+
 #include <array>
 
 namespace {
 
-constexpr std::uint32_t kWrite = 0; // of add-file's modes
-constexpr std::uint32_t kUpdate = 5;
-constexpr std::uint32_t kRead = 15;
-constexpr std::uint32_t kGivenFresh = 11; // of new-pool's identifiers
-constexpr std::uint32_t kGivenKnown = 13;
-constexpr std::uint32_t kSmallCount = 6; // of damage-file's fields
+constexpr auto kWrite = static_cast<std::uint32_t>(Mode::Write);
+constexpr auto kUpdate = static_cast<std::uint32_t>(Mode::Update);
+constexpr auto kRead = static_cast<std::uint32_t>(Mode::Read);
+constexpr auto kGivenFresh = static_cast<std::uint32_t>(UuidFrom::Caller);
+constexpr auto kGivenKnown = static_cast<std::uint32_t>(UuidFrom::CallerKnown);
+constexpr auto kSmallCount = static_cast<std::uint32_t>(Field::SmallCount);
 constexpr std::uint32_t kBound = 1;
-constexpr std::uint32_t kSane = 1; // not a huge allocation
+constexpr std::uint32_t kEvenOpen = 1;
 
 Script Reopen(Random& random)
 {
@@ -64,7 +66,7 @@ Script Overwrite(Random& random)
     const std::uint32_t place = random.Below(kLocators);
     const std::uint32_t stream = random.Below(kWriters);
     const std::uint32_t limit = random.InEight(4) ? 0 : random.Below(120);
-    return {{Kind::FileAllocate, {file, 100 + random.Below(60), place, kSane}},
+    return {{Kind::FileAllocate, {file, 100 + random.Below(60), place}},
             {Kind::OpenLocatorWriter, {stream, place, limit, random.Below(65)}},
             {Kind::WriteBytes, {stream, random.Below(65), random.Below(256)}},
             {Kind::PrepWrite, {stream, random.Below(20), random.Below(256)}},
@@ -124,12 +126,12 @@ Script Import(Random& random)
     Script script{{Kind::AddFile, {from, from, kUpdate, from}},
                   {Kind::AddFile, {to, to, kUpdate, to}},
                   {Kind::NewPool, {from, random.Below(2), 0}},
-                  {Kind::FileAllocate, {from, size, place, kSane}},
+                  {Kind::FileAllocate, {from, size, place}},
                   {Kind::WriteLocator, {place, size - unwritten, random.Below(256)}},
                   {Kind::TakeCurrentPool, {from, from}}};
     if (random.InEight(1)) {
         script.push_back(
-            {Kind::DamageFile, {from, random.Below(400), kSmallCount, random.Below(8), 0}});
+            {Kind::DamageFile, {from, random.Below(400), kSmallCount, random.Below(8), kEvenOpen}});
     }
     script.push_back({Kind::AppendPool, {to, from}});
     script.push_back({Kind::TakeCurrentPool, {to, to}});
@@ -145,7 +147,7 @@ Script UuidComesBack(Random& random)
     return {{Kind::NewPool, {file, flag, kGivenFresh}},
             {Kind::NewPool, {file, flag, kGivenFresh}},
             {Kind::NewPool, {file, flag, kGivenKnown, 1}},
-            {Kind::FileAllocate, {file, 1 + random.Below(20), random.Below(kLocators), kSane}},
+            {Kind::FileAllocate, {file, 1 + random.Below(20), random.Below(kLocators)}},
             {Kind::NewPool, {file, flag, kGivenKnown, 0}},
             {Kind::TakeCurrentPool, {file, file}},
             {Kind::AppendPool, {random.Below(kFiles), file}},
@@ -180,12 +182,12 @@ Script Damage(Random& random)
     Script script{{Kind::CloseFile, {i, i}}};
     if (random.InEight(6)) {
         script.push_back(
-            {Kind::DamageFile, {i, random.Below(400), random.Below(12), random.Below(256), 1}});
+            {Kind::DamageFile, {i, random.Below(400), random.Below(11), random.Below(256)}});
     } else if (random.InEight(6)) {
         const std::uint32_t least = random.InEight(2) ? 9 : 200;
-        script.push_back({Kind::CutFile, {i, random.Below(400), random.Below(least), 1}});
+        script.push_back({Kind::CutFile, {i, random.Below(400), random.Below(least)}});
     } else {
-        script.push_back({Kind::LengthenFile, {i, random.Below(200), random.Below(256), 1}});
+        script.push_back({Kind::LengthenFile, {i, random.Below(200), random.Below(256)}});
     }
     script.push_back({Kind::AskVersion, {i, random.Below(4)}});
     script.push_back({Kind::AddFile, {i, i, random.InEight(2) ? kRead : kUpdate, i}});
@@ -206,7 +208,7 @@ Script ShortenedDirectory(Random& random)
             {Kind::OpenBufferWriter, {stream, 40, kBound, i}},
             {Kind::WriteReference, {stream, place}},
             {Kind::CloseFile, {i, i}},
-            {Kind::DamageFile, {i, random.Below(400), kSmallCount, random.Below(8), 1}},
+            {Kind::DamageFile, {i, random.Below(400), kSmallCount, random.Below(8)}},
             {Kind::AddFile, {i, i, kUpdate, i}},
             {Kind::TakeCurrentPool, {i, i}},
             {Kind::OpenBufferWriter, {stream, 40, kBound, i}},

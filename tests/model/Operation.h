@@ -112,6 +112,7 @@ struct Argument
     enum class Domain
     {
         Range,    // 0 up to below `count`
+        Choice,   // the same, by weight
         Register, // the same; more often than not the number of the operation's first register
         Length,   // mostly up to 64, at times a few hundred bytes
         Limit,    // 0 for none in half of all cases
@@ -120,6 +121,7 @@ struct Argument
     const char* name;
     Domain domain = Domain::Range;
     std::uint32_t count = 0;
+    std::vector<int> weights = {}; // of a choice: how often each is drawn
 };
 
 /// All that is known of a kind of operation.

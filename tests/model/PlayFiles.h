@@ -1,4 +1,4 @@
-// Operations on documents, files and pools.
+// Operations on documents and files.
 #pragma once
 
 #include "Registers.h"
@@ -15,7 +15,7 @@ public:
     {}
 
     /// False for a kind that belongs elsewhere.
-    bool Play() { return PlayDocument() || PlayFile() || PlayPool(); }
+    bool Play() { return PlayDocument() || PlayFile(); }
 
 private:
     using Document = typename Store::Document;
@@ -97,47 +97,34 @@ private:
         }
     }
 
-    bool PlayPool()
+    void AddFile()
     {
-        switch (op.kind) {
-        case Kind::AskPool:
-            AskPool();
-            return true;
-        case Kind::PoolStart:
-            PoolPlace(false);
-            return true;
-        case Kind::PoolEnd:
-            PoolPlace(true);
-            return true;
-        case Kind::PoolAllocate:
-            PoolAllocate();
-            return true;
-        default:
-            return false;
+        const auto choice = static_cast<Mode>(Arg(2));
+        std::string name = r.names[Arg(1)];
+        if (choice == Mode::UpdateDetour) {
+            name.insert(r.folder.size(), "/.");
+        } else if (choice == Mode::Write) {
+            r.PrepareUuid(static_cast<UuidFrom>(Arg(4)), 0, false);
+        }
+        File file = TheDocument().AddFile(String(name.c_str()), AccessModeOf(choice));
+        r.files[Arg(3)] = file;
+        Answer(file.PoolCount());
+        if (choice == Mode::Write) {
+            r.NoteNewPool(file.Pool(), out);
         }
     }
 
-    void AddFile()
+    static typename Document::AccessMode AccessModeOf(Mode mode)
     {
-        const std::uint32_t choice = Arg(2);
-        std::string name = r.names[Arg(1)];
-        int mode = Document::Update;
-        if (choice < 3 || choice > 19) {
-            mode = Document::Write;
-            r.PrepareUuid(Arg(4) % 11, 0, false); // made or forced, never given
-        } else if (choice >= 13 && choice < 18) {
-            mode = Document::Read;
-        } else if (choice == 18) {
-            mode = 3;
-        } else if (choice == 19) {
-            name.insert(r.folder.size(), "/.");
-        }
-        File file = TheDocument().AddFile(String(name.c_str()),
-                                          static_cast<typename Document::AccessMode>(mode));
-        r.files[Arg(3)] = file;
-        out.numbers.push_back(file.PoolCount());
-        if (mode == Document::Write) {
-            r.NoteNewPool(file.Pool(), out);
+        switch (mode) {
+        case Mode::Write:
+            return Document::Write;
+        case Mode::Read:
+            return Document::Read;
+        case Mode::Unknown:
+            return static_cast<typename Document::AccessMode>(3);
+        default:
+            return Document::Update;
         }
     }
 
@@ -146,7 +133,7 @@ private:
         const bool temporary = op.kind == Kind::CreateTemporary;
         const std::size_t number = kFixedNames + (temporary ? 0 : 1);
         const std::string stem = r.folder + (temporary ? "/t" : "/g");
-        r.PrepareUuid(Arg(3) % 11, 0, false);
+        r.PrepareUuid(static_cast<UuidFrom>(Arg(3)), 0, false);
         File file = temporary ? TheDocument().CreateTemporary(String(stem.c_str()), Arg(1) != 0)
                               : TheDocument().CreateGenerated(String(stem.c_str()), String(".sim"),
                                                               Arg(1) != 0);
@@ -263,7 +250,7 @@ private:
     {
         if (auto& file = r.files[Arg(0)]; !Skips(file.has_value())) {
             const bool tame = Sane(file->Pool());
-            r.places[Arg(2)] = {file->Allocate(Size(Arg(1), Arg(3))), tame};
+            r.places[Arg(2)] = {file->Allocate(AllocationSize(Arg(1), Arg(3) != 0)), tame};
         }
     }
 
@@ -275,7 +262,7 @@ private:
         }
         const bool mayFail =
             !file->Null() && file->PoolCount() > 0 && file->Pool().DirectorySizeBytes() == 0;
-        file->NewPool(Arg(1) != 0, r.PrepareUuid(Arg(2), Arg(3), mayFail));
+        file->NewPool(Arg(1) != 0, r.PrepareUuid(static_cast<UuidFrom>(Arg(2)), Arg(3), mayFail));
         r.NoteNewPool(file->Pool(), out);
     }
 
@@ -287,7 +274,7 @@ private:
             if (Skips(file.has_value() && MayGrow(*file))) {
                 return;
             }
-            file->NewPool(Arg(2) != 0, r.PrepareUuid(11, 0, true));
+            file->NewPool(Arg(2) != 0, r.PrepareUuid(UuidFrom::Caller, 0, true));
             r.NoteNewPool(file->Pool(), out);
             file->Allocate(1);
         }
@@ -314,37 +301,6 @@ private:
         }
     }
 
-    void AskPool()
-    {
-        const auto& pool = r.pools[Arg(0)];
-        if (Skips(pool.has_value())) {
-            return;
-        }
-        Answer(pool->Null());
-        Answer(pool->HeaderSizeBytes());
-        if (!pool->Null()) {
-            Answer(pool->Length());
-            Answer(pool->DirectorySizeBytes());
-            Answer(pool->ReadOnly());
-            out.bytes += Store::Bytes(pool->GetGUID());
-        }
-    }
-
-    void PoolPlace(bool end)
-    {
-        if (const auto& pool = r.pools[Arg(0)]; !Skips(Live(pool))) {
-            r.places[Arg(1)] = {end ? pool->End() : pool->Start(), !end || Sane(*pool)};
-        }
-    }
-
-    void PoolAllocate()
-    {
-        if (auto& pool = r.pools[Arg(0)]; !Skips(Live(pool))) {
-            const bool tame = Sane(*pool);
-            r.places[Arg(2)] = {pool->Allocate(Size(Arg(1), Arg(3))), tame};
-        }
-    }
-
     // Marks the outcome unless `possible`.
     bool Skips(bool possible)
     {
@@ -357,11 +313,6 @@ private:
     {
         out.numbers.push_back(static_cast<std::uint64_t>(number));
     }
-
-    // Any member but two of a null pool handle lies outside the contract.
-    static bool Live(const std::optional<Pool>& pool) { return pool.has_value() && !pool->Null(); }
-
-    static bool Sane(const Pool& pool) { return SizeOf(pool) <= kLargestPool; }
 
     static bool MayGrow(const File& file)
     {
@@ -378,14 +329,6 @@ private:
         const std::uint64_t size = SizeOf(pool);
         return size <= kLargestImport || (size > kMostBytes - 48 && file.PoolCount() > 1);
     }
-
-    // Some sizes lead over the end of all positions.
-    static std::uint64_t Size(std::uint32_t size, std::uint32_t huge)
-    {
-        return huge == 0 ? kMostBytes - size % 40 : size;
-    }
-
-    static constexpr std::uint64_t kMostBytes = std::numeric_limits<std::uint64_t>::max();
 
     Registers<Store>& r;
     const Operation& op;

@@ -2,6 +2,7 @@
 
 #include "PlayFiles.h"
 #include "PlayLocators.h"
+#include "PlayPools.h"
 #include "PlayStreams.h"
 
 #include <string>
@@ -19,6 +20,7 @@ public:
         outcome.Clear();
         outcome.failure = Store::Try([&] {
             if (!FilePlay<Store>(mRegisters, operation, outcome).Play() &&
+                !PoolPlay<Store>(mRegisters, operation, outcome).Play() &&
                 !LocatorPlay<Store>(mRegisters, operation, outcome).Play()) {
                 StreamPlay<Store>(mRegisters, operation, outcome).Play();
             }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Choices.h"
 #include "Operation.h"
 #include "Outcome.h"
 
@@ -92,32 +93,36 @@ struct Registers
     /// The given text for a new pool, or null when it shall be made. `known` chooses among the
     /// identifiers so far. `mayFail`: the pool may fail once its identifier is drawn, which then
     /// must not be one that the model cannot know.
-    const char* PrepareUuid(std::uint32_t choice, std::uint32_t known, bool mayFail)
+    const char* PrepareUuid(UuidFrom from, std::uint32_t known, bool mayFail)
     {
-        if (choice == 15) {
+        if (from == UuidFrom::CallerShort) {
             uuid = "too short";
             return uuid.c_str();
         }
-        const bool old = (choice == 13 || choice == 14) && !uuids.empty();
-        if (old) {
-            uuid = uuids[uuids.size() - 1 - known % std::min<std::size_t>(uuids.size(), 16)];
-        } else {
-            std::array<char, 33> text{};
-            std::snprintf(text.data(), text.size(), "%032x", ++freshUuids);
-            uuid = text.data();
-        }
+        const bool old = from == UuidFrom::CallerKnown || from == UuidFrom::ForcedKnown;
+        uuid = old && !uuids.empty() ? KnownUuid(known) : FreshUuid();
         uuid.resize(32, '\0'); // an identifier that ends early is refused
-        if (choice == 11 || choice == 12 || choice == 13) {
+        if (from == UuidFrom::Caller || from == UuidFrom::CallerKnown) {
             return uuid.c_str();
         }
-        if (choice == 10 && !mayFail) {
-            return nullptr;
-        }
-        if (choice != 14 || !mayFail) {
-            Store::ForceUuid(uuid.c_str());
+        if (from == UuidFrom::Forced || !mayFail) {
+            Store::ForceUuid(from == UuidFrom::Generator ? nullptr : uuid.c_str());
             return nullptr;
         }
         return uuid.c_str();
+    }
+
+    [[nodiscard]] const std::string& KnownUuid(std::uint32_t known) const
+    {
+        constexpr std::size_t kRemembered = 16;
+        return uuids[uuids.size() - 1 - known % std::min(uuids.size(), kRemembered)];
+    }
+
+    std::string FreshUuid()
+    {
+        std::array<char, 33> text{};
+        std::snprintf(text.data(), text.size(), "%032x", ++freshUuids);
+        return text.data();
     }
 
     void NoteNewPool(const typename Store::Pool& pool, Outcome& outcome)
@@ -161,4 +166,19 @@ template <class Pool>
 std::uint64_t SizeOf(const Pool& pool)
 {
     return pool.Length() + pool.HeaderSizeBytes() + pool.DirectorySizeBytes();
+}
+
+/// Whether its length is not the work of damage.
+template <class Pool>
+bool Sane(const Pool& pool)
+{
+    return SizeOf(pool) <= kLargestPool;
+}
+
+inline constexpr std::uint64_t kMostBytes = std::numeric_limits<std::uint64_t>::max();
+
+/// What to allocate: `size`, or so much that it leads over the end of all positions.
+inline std::uint64_t AllocationSize(std::uint32_t size, bool huge)
+{
+    return huge ? kMostBytes - size % 40 : size;
 }

@@ -11,8 +11,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <stdexcept>
 #include <string>
 
 #include <unistd.h>
@@ -69,7 +71,12 @@ int main(int count, char** values)
     std::filesystem::create_directory(options.folder);
     RealStore::Prepare();
     if (!options.replay.empty()) {
-        return Replay(options.replay, options.folder);
+        try {
+            return Replay(options.replay, options.folder);
+        } catch (const std::runtime_error& refused) {
+            std::cerr << options.replay << ": " << refused.what() << std::endl;
+            return 2;
+        }
     }
     CrashNote::Install();
     testing::InitGoogleTest(&count, values);
