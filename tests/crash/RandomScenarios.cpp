@@ -2,6 +2,7 @@
 
 #include <random>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -40,7 +41,7 @@ private:
             mStore.Flush(kFile);
             break;
         case 5:
-            mStore.Stream(kFile, 16 + Draw(100), {Length(40), Length(200), Length(20)});
+            Stream();
             break;
         case 6:
             Rewrite();
@@ -52,6 +53,14 @@ private:
         default:
             mStore.Append(kFile, 1 + Draw(250));
         }
+    }
+
+    void Stream()
+    {
+        // One after the other: compilers differ in which argument of a call they work out first.
+        const std::vector<unsigned> lengths = {Length(40), Length(200), Length(20)};
+        const std::size_t chunkSize = 16 + Draw(100);
+        mStore.Stream(kFile, chunkSize, lengths);
     }
 
     void Rewrite()
