@@ -141,8 +141,8 @@ void NewPoolsOntoEmptyOnes(WatchedStore& store)
     store.Flush("a.sim");
 }
 
-// The header of the first two lies over the border of the first sector, and none is made durable
-// before the next one follows.
+// The header of the first two lies over the border of the first sector, that of the third in a
+// sector of its own, and none is made durable before the next one follows.
 void PoolsInAHurry(WatchedStore& store)
 {
     store.Create("a.sim", "a");
@@ -150,7 +150,7 @@ void PoolsInAHurry(WatchedStore& store)
     store.Flush("a.sim");
     store.NewPool("a.sim", "b", true);
     store.NewPool("a.sim", "c", true);
-    store.Append("a.sim", 50);
+    store.Append("a.sim", 600);
     store.NewPool("a.sim", "d", true);
     store.Append("a.sim", 20);
     store.Flush("a.sim");
