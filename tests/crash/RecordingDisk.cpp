@@ -1,5 +1,9 @@
 #include "RecordingDisk.h"
 
+#include <cerrno>
+
+#include <sys/mman.h>
+
 RecordingDisk* RecordingDisk::sActive = nullptr;
 
 RecordingDisk::RecordingDisk(const std::string& folder)
@@ -14,12 +18,19 @@ RecordingDisk::RecordingDisk(const std::string& folder)
     calls.fdatasync = &SyncData;
     calls.fsync = &SyncAll;
     calls.unlink = &Remove;
+    calls.mmap = &RefuseMap; // what is written in place would not be seen here
 }
 
 RecordingDisk::~RecordingDisk()
 {
     VUKSimUttSystemCalls::Current() = mOuter;
     sActive = nullptr;
+}
+
+void* RecordingDisk::RefuseMap(void*, std::size_t, int, int, int, off_t)
+{
+    errno = ENODEV;
+    return MAP_FAILED;
 }
 
 int RecordingDisk::Open(const char* path, int flags, mode_t mode)

@@ -3,6 +3,7 @@
 #include "DiskLog.h"
 #include "VUKSimUttSystemCalls.h"
 
+#include <cstddef>
 #include <map>
 #include <set>
 #include <string>
@@ -34,6 +35,8 @@ private:
     static int SyncData(int descriptor);
     static int SyncAll(int descriptor);
     static int Remove(const char* path);
+    static void* RefuseMap(void* address, std::size_t length, int protection, int flags,
+                           int descriptor, off_t position);
 
     void Record(int descriptor, DiskEvent::Kind kind, unsigned long long position = 0,
                 const std::string& bytes = {});

@@ -55,5 +55,6 @@ INSTANTIATE_TEST_SUITE_P(WriteStreams, EveryCall, testing::ValuesIn(WriteStreamO
                          NameOf);
 INSTANTIATE_TEST_SUITE_P(Queries, EveryCall, testing::ValuesIn(QueryOperations()), NameOf);
 INSTANTIATE_TEST_SUITE_P(OSFiles, EveryCall, testing::ValuesIn(OSFileOperations()), NameOf);
+INSTANTIATE_TEST_SUITE_P(MappedFiles, EveryCall, testing::ValuesIn(MappedFileOperations()), NameOf);
 INSTANTIATE_TEST_SUITE_P(Recovering, EveryPairOfCalls, testing::ValuesIn(RecoveringOperations()),
                          NameOf);

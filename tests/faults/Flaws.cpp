@@ -59,6 +59,12 @@ std::vector<int> ErrorsOf(const Made& made)
         return {ENOENT, EACCES, EBUSY, EROFS, EIO, EINTR};
     case SystemCall::Getcwd:
         return {ENOENT, EACCES};
+    case SystemCall::Mmap:
+        return {ENOMEM, ENODEV, EACCES, EAGAIN};
+    case SystemCall::Munmap:
+        return {ENOMEM};
+    case SystemCall::Sigaction:
+        return {EINVAL};
     }
     throw std::logic_error("an unknown system call");
 }
@@ -103,9 +109,9 @@ std::vector<Flaw> FlawsOf(const Made& made)
 
 const char* NameOf(SystemCall call)
 {
-    constexpr const char* kNames[] = {"open",      "close",  "fcntl", "pread",     "pwrite",
-                                      "ftruncate", "fstat",  "stat",  "fdatasync", "fsync",
-                                      "syncfs",    "unlink", "getcwd"};
+    constexpr const char* kNames[] = {
+        "open",      "close", "fcntl",  "pread",  "pwrite", "ftruncate", "fstat",  "stat",
+        "fdatasync", "fsync", "syncfs", "unlink", "getcwd", "mmap",      "munmap", "sigaction"};
     return kNames[static_cast<int>(call)];
 }
 } // namespace

@@ -208,7 +208,7 @@ std::vector<OperationEntry> ImportOperations()
 {
     return {
         Entry<ImportBehindData>("ImportBehindData", 8, 7),
-        Entry<ImportOfALongPool>("ImportOfALongPool", 10, 7),
+        Entry<ImportOfALongPool>("ImportOfALongPool", 8, 7),
         Entry<ImportInPlaceOfAnEmptyPool>("ImportInPlaceOfAnEmptyPool", 8, 7),
     };
 }

@@ -30,5 +30,8 @@
 /// The platform's OS files and file helpers.
 [[nodiscard]] std::vector<OperationEntry> OSFileOperations();
 
+/// The same, of files that are served from memory.
+[[nodiscard]] std::vector<OperationEntry> MappedFileOperations();
+
 /// Those of the above that go on after a failure or can be tried again, for two faults at once.
 [[nodiscard]] std::vector<OperationEntry> RecoveringOperations();

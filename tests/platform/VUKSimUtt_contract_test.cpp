@@ -20,7 +20,7 @@ class OSFileContract : public testing::Test
 {
 protected:
     // Up to `length` bytes of `file` from `position`.
-    static std::string ReadAt(const VUKSimUttOSFile& file, unsigned long long position,
+    static std::string ReadAt(VUKSimUttOSFile& file, unsigned long long position,
                               unsigned long length)
     {
         std::string buffer(length, '#');

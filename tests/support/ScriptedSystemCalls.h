@@ -30,7 +30,10 @@ enum class SystemCall
     Fsync,
     Syncfs,
     Unlink,
-    Getcwd
+    Getcwd,
+    Mmap,
+    Munmap,
+    Sigaction
 };
 
 /// What becomes of one system call.
@@ -248,6 +251,27 @@ private:
                         return t.getcwd(buffer, length);
                     });
                 },
+            .mmap =
+                [](void* address, std::size_t length, int protection, int flags, int descriptor,
+                   off_t position) {
+                    const Made made{.call = SystemCall::Mmap, .descriptor = descriptor};
+                    return Answer<void*>(made, kNotMapped, [=](Table t, std::size_t) {
+                        return t.mmap(address, length, protection, flags, descriptor, position);
+                    });
+                },
+            .munmap =
+                [](void* address, std::size_t length) {
+                    const Made made{.call = SystemCall::Munmap};
+                    return Answer(made, -1,
+                                  [=](Table t, std::size_t) { return t.munmap(address, length); });
+                },
+            .sigaction =
+                [](int signal, const struct sigaction* action, struct sigaction* previous) {
+                    const Made made{.call = SystemCall::Sigaction};
+                    return Answer(made, -1, [=](Table t, std::size_t) {
+                        return t.sigaction(signal, action, previous);
+                    });
+                },
         };
     }
 
@@ -258,6 +282,9 @@ private:
                 .position = static_cast<unsigned long long>(position),
                 .length = length};
     }
+
+    // MAP_FAILED, without the cast that its header hides in it.
+    static inline void* const kNotMapped = reinterpret_cast<void*>(-1);
 
     static inline ScriptedSystemCalls* sActive = nullptr;
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "VUKBas_Export.h"
+#include "VUKSimUttFileView.h"
 #include "VUKString.h"
 
 /// One regular file of the operating system, read and written at positions.
@@ -8,7 +9,8 @@
 /// An object with an identity: it owns its descriptor from one of the five opens to `Close` or its
 /// death, and may be opened again after that. Positions, lengths and sizes are in bytes from the
 /// file's start. Nothing is buffered here: what a write returned from is seen by every other reader
-/// of the file at once, and survives the machine once `Flush` returned.
+/// of the file at once, and survives the machine once `Flush` returned. Where it makes no other
+/// difference, files of 64 KiB and more are read and written as memory that is mapped from them.
 ///
 /// Every failure is a VUKSimUttOSFileException. Calls that a signal interrupts are repeated. Only
 /// regular files are opened; anything else is refused without waiting for it and without touching
@@ -58,9 +60,10 @@ public:
     [[nodiscard]] unsigned long Read(char* buffer, unsigned long length);
 
     /// Up to `length` bytes from `position`. Returns how many: short at the physical end of the
-    /// file, 0 at or behind it. The rest of `buffer` is left as it was.
+    /// file, 0 at or behind it. The rest of `buffer` is left as it was, unless others make
+    /// the file shorter at this very moment.
     [[nodiscard]] unsigned long ReadAtomic(unsigned long long position, char* buffer,
-                                           unsigned long length) const;
+                                           unsigned long length);
 
     /// Writes all `length` bytes at `position` and returns `length`, or throws. Behind the end of
     /// the file it first leaves zeros up to `position`. After a failure the file is as long as
@@ -85,6 +88,12 @@ private:
     void OpenExisting(const VUKString& name, bool readOnly);
     void CreateUnique(const VUKString& name, const VUKString& second, unsigned int mode,
                       bool removeWhenClosed);
+    [[nodiscard]] unsigned long ReadByCalls(unsigned long long position, char* buffer,
+                                            unsigned long length);
+    unsigned long WriteByCalls(unsigned long long position, const char* buffer,
+                               unsigned long length);
+    [[nodiscard]] bool MapFor(unsigned long long position, unsigned long length) noexcept;
+    void SeeEnd(unsigned long long end) noexcept;
     [[nodiscard]] unsigned long WriteFully(unsigned long long position, const char* buffer,
                                            unsigned long length) const noexcept;
     void CutBack(unsigned long long end) const noexcept;
@@ -99,6 +108,8 @@ private:
     bool mRemoveWhenClosed = false;
     bool mFolderSyncDue = false;          // created here, and the name is not durable yet
     int mFlushError = 0;                  // of the sync that failed; 0 while none has
-    unsigned long long mKnownEnd = 0;     // size when last seen, see WriteAtomic
+    unsigned long long mKnownEnd = 0;     // size when last seen, see WriteByCalls
     unsigned long long mReadPosition = 0; // of the next Read
+    bool mMayMap = true;                  // no map of this file has failed yet
+    VUKSimUttFileView mView;              // as far as the file is served from memory
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <csignal>
 #include <cstddef>
 
 #include <sys/stat.h>
@@ -31,6 +32,10 @@ struct VUKBAS_EXPORT VUKSimUttSystemCalls
     int (*syncfs)(int descriptor);
     int (*unlink)(const char* path);
     char* (*getcwd)(char* buffer, std::size_t length);
+    void* (*mmap)(void* address, std::size_t length, int protection, int flags, int descriptor,
+                  off_t position);
+    int (*munmap)(void* address, std::size_t length);
+    int (*sigaction)(int signal, const struct sigaction* action, struct sigaction* previous);
 
     /// The table in force; it starts as `System()`. Whoever replaces a member puts it back.
     [[nodiscard]] static VUKSimUttSystemCalls& Current() noexcept;

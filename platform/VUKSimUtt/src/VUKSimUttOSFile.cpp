@@ -47,6 +47,9 @@ constexpr unsigned long long kLargestPosition = INT64_MAX;
 // The most that one call may be asked to move.
 constexpr unsigned long kLargestTransfer = SSIZE_MAX;
 
+// More bytes than this are written faster by a call, which makes no page fault for each page.
+constexpr unsigned long kLargestWriteInPlace = 16384;
+
 VUKSimUttSystemCalls& Calls() noexcept
 {
     return VUKSimUttSystemCalls::Current();
@@ -111,13 +114,25 @@ unsigned long VUKSimUttOSFile::Read(char* buffer, unsigned long length)
 }
 
 unsigned long VUKSimUttOSFile::ReadAtomic(unsigned long long position, char* buffer,
-                                          unsigned long length) const
+                                          unsigned long length)
+{
+    if (mView.Covers(position, length) && mView.Read(position, buffer, length)) {
+        return length;
+    }
+    return ReadByCalls(position, buffer, length);
+}
+
+unsigned long VUKSimUttOSFile::ReadByCalls(unsigned long long position, char* buffer,
+                                           unsigned long length)
 {
     if (!IsOpen()) {
         ThrowNotOpen({"read", position, length}, mName);
     }
     if (position > kLargestPosition) {
         return 0;
+    }
+    if (MapFor(position, length) && mView.Read(position, buffer, length)) {
+        return length;
     }
     const unsigned long wanted = std::min<unsigned long long>(length, kLargestPosition - position);
     unsigned long done = 0;
@@ -135,11 +150,24 @@ unsigned long VUKSimUttOSFile::ReadAtomic(unsigned long long position, char* buf
         }
         done += static_cast<unsigned long>(count);
     }
+    if (done > 0) {
+        SeeEnd(std::max(mKnownEnd, position + done));
+    }
     return done;
 }
 
 unsigned long VUKSimUttOSFile::WriteAtomic(unsigned long long position, const char* buffer,
                                            unsigned long length)
+{
+    if (length <= kLargestWriteInPlace && !mReadOnly && mView.Covers(position, length) &&
+        mView.Write(position, buffer, length)) {
+        return length;
+    }
+    return WriteByCalls(position, buffer, length);
+}
+
+unsigned long VUKSimUttOSFile::WriteByCalls(unsigned long long position, const char* buffer,
+                                            unsigned long length)
 {
     if (!IsOpen()) {
         ThrowNotOpen({"write", position, length}, mName);
@@ -152,6 +180,10 @@ unsigned long VUKSimUttOSFile::WriteAtomic(unsigned long long position, const ch
     }
     if (length == 0) {
         return 0;
+    }
+    if (length <= kLargestWriteInPlace && MapFor(position, length) &&
+        mView.Write(position, buffer, length)) {
+        return length;
     }
     // A failed write is cut back to the end as last seen. Others may have moved it since. When the
     // write begins at or before the end last seen, cutting there drops only bytes of this write;
@@ -170,8 +202,29 @@ unsigned long VUKSimUttOSFile::WriteAtomic(unsigned long long position, const ch
         CutBack(position + written);
         failure.Throw(kSource, at::kWrite);
     }
-    mKnownEnd = std::max(mKnownEnd, position + length);
+    SeeEnd(std::max(mKnownEnd, position + length));
     return length;
+}
+
+// Maps the file when that lets the view cover these bytes, and it does not yet: at the first
+// access, and when the file has outgrown its map.
+bool VUKSimUttOSFile::MapFor(unsigned long long position, unsigned long length) noexcept
+{
+    if (mView.Lost()) {
+        mView.Drop(); // shortened by others, full or failing: calls will tell, from now on
+        mMayMap = false;
+    }
+    if (!mMayMap || !VUKSimUttFileView::WouldCover(mKnownEnd, position, length)) {
+        return false;
+    }
+    mMayMap = mView.Map(mDescriptor, !mReadOnly, mKnownEnd);
+    return mMayMap;
+}
+
+void VUKSimUttOSFile::SeeEnd(unsigned long long end) noexcept
+{
+    mKnownEnd = end;
+    mView.Follow(end);
 }
 
 // Returns how many bytes went out; fewer than `length` with errno set.
@@ -222,7 +275,7 @@ void VUKSimUttOSFile::Truncate(unsigned long long size)
         0) {
         Failure({"truncate", size}, mName, errno).Throw(kSource, at::kTruncate);
     }
-    mKnownEnd = size;
+    SeeEnd(size);
 }
 
 void VUKSimUttOSFile::Flush()
@@ -275,6 +328,8 @@ void VUKSimUttOSFile::Close()
     if (!IsOpen()) {
         return;
     }
+    mView.Drop();
+    mMayMap = true;
     const int descriptor = std::exchange(mDescriptor, -1);
     const int removeError = std::exchange(mRemoveWhenClosed, false) ? RemoveName(descriptor) : 0;
     mFolderSyncDue = false;

@@ -1,6 +1,7 @@
 #include "VUKSimUttSystemCalls.h"
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 namespace {
@@ -24,6 +25,9 @@ constexpr VUKSimUttSystemCalls kSystem = {
     .syncfs = ::syncfs,
     .unlink = ::unlink,
     .getcwd = ::getcwd,
+    .mmap = ::mmap,
+    .munmap = ::munmap,
+    .sigaction = ::sigaction,
 };
 
 constinit VUKSimUttSystemCalls current = kSystem;

@@ -47,8 +47,7 @@ inline int OpenDescriptors()
 }
 
 /// Up to `length` bytes from `position`, as they came.
-inline std::string ReadAt(const VUKSimUttOSFile& file, unsigned long long position,
-                          unsigned long length)
+inline std::string ReadAt(VUKSimUttOSFile& file, unsigned long long position, unsigned long length)
 {
     std::string text(length, '?');
     text.resize(file.ReadAtomic(position, text.data(), length));

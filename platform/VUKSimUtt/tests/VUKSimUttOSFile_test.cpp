@@ -219,7 +219,7 @@ TEST(OSFile, RefusesAFolderAndADevice)
 }
 
 // The descriptor of the file that is open, as its reads use it.
-int DescriptorOf(const VUKSimUttOSFile& file, ScriptedSystemCalls& calls)
+int DescriptorOf(VUKSimUttOSFile& file, ScriptedSystemCalls& calls)
 {
     calls.Forget();
     char byte;

@@ -1,0 +1,85 @@
+#include "VUKSimUttFileView.h"
+
+#include "VUKSimUttSystemCalls.h"
+
+#include <algorithm>
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace {
+
+// Smaller files are read and written by calls: mapping one costs as much as some ten of them.
+constexpr unsigned long long kSmallestMapped = 65536; // bytes
+
+// A map leads twice as far as the file, so that a file that grows is seldom mapped again.
+constexpr unsigned long long kGrowth = 2;
+
+// Address space is 47 bits wide; a file of a petabyte gets no map.
+constexpr unsigned long long kLargestMapped = 1ULL << 45;
+
+VUKSimUttSystemCalls& Calls() noexcept
+{
+    return VUKSimUttSystemCalls::Current();
+}
+
+unsigned long long PageSize() noexcept
+{
+    static const auto size = static_cast<unsigned long long>(::sysconf(_SC_PAGESIZE));
+    return size;
+}
+
+// Where the last whole page of a file of `size` bytes begins, the watch.
+unsigned long long CoveredEnd(unsigned long long size) noexcept
+{
+    const unsigned long long pages = size / PageSize();
+    return size < kSmallestMapped || pages == 0 ? 0 : (pages - 1) * PageSize();
+}
+
+} // namespace
+
+bool VUKSimUttFileView::Map(int descriptor, bool writable, unsigned long long size) noexcept
+{
+    Drop();
+    if (CoveredEnd(size) == 0 || size > kLargestMapped) {
+        return false;
+    }
+    const std::size_t length = size / PageSize() * PageSize() * kGrowth;
+    void* const bytes = Calls().mmap(nullptr, length, PROT_READ | (writable ? PROT_WRITE : 0),
+                                     MAP_SHARED, descriptor, 0);
+    if (bytes == MAP_FAILED) {
+        return false;
+    }
+    if (!mRange.Guard(static_cast<char*>(bytes), length)) {
+        Calls().munmap(bytes, length);
+        return false;
+    }
+    mBytes = static_cast<char*>(bytes);
+    mMapped = length;
+    Follow(size);
+    return true;
+}
+
+void VUKSimUttFileView::Follow(unsigned long long size) noexcept
+{
+    mEnd = CoveredEnd(std::min<unsigned long long>(size, mMapped));
+}
+
+bool VUKSimUttFileView::WouldCover(unsigned long long size, unsigned long long position,
+                                   unsigned long long length) noexcept
+{
+    const unsigned long long end = CoveredEnd(size);
+    return position < end && length <= end - position;
+}
+
+void VUKSimUttFileView::Drop() noexcept
+{
+    if (mBytes == nullptr) {
+        return;
+    }
+    mRange.Release();
+    Calls().munmap(mBytes, mMapped);
+    mBytes = nullptr;
+    mEnd = 0;
+    mMapped = 0;
+}
