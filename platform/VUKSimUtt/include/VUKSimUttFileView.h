@@ -77,7 +77,7 @@ private:
     {
         // One copy before the watch or behind it, the verdict behind both.
         std::atomic_signal_fence(std::memory_order_seq_cst);
-        static_cast<void>(*static_cast<const volatile char*>(mBytes + mEnd));
+        mWatched = *static_cast<const volatile char*>(mBytes + mEnd);
         std::atomic_signal_fence(std::memory_order_seq_cst);
         return !mRange.Lost();
     }
@@ -86,4 +86,7 @@ private:
     unsigned long long mEnd = 0; // of what is covered, where the watch begins
     std::size_t mMapped = 0;     // bytes of the map, which may lead beyond the file
     VUKSimUttGuardedRange mRange;
+    // What the watch held. Kept, since memory checkers that translate a program leave out loads
+    // whose value nobody uses.
+    mutable volatile char mWatched = 0;
 };
