@@ -53,7 +53,11 @@ need_build_tools() { need g++=g++ cmake=cmake ninja-build=ninja; }
 
 need_test_tools() {
     need g++=g++ cmake=cmake ninja-build=ninja python3=python3 \
-        libgtest-dev=/usr/include/gtest/gtest.h libgmock-dev=/usr/include/gmock/gmock.h
+        libgtest-dev=/usr/include/gtest/gtest.h libgmock-dev=/usr/include/gmock/gmock.h \
+        libcli11-dev=/usr/include/CLI/CLI.hpp libfmt-dev=/usr/include/fmt/format.h \
+        nlohmann-json3-dev=/usr/include/nlohmann/json.hpp \
+        python3-jsonschema=/usr/lib/python3/dist-packages/jsonschema/__init__.py \
+        zsh=zsh fish=fish mandoc=mandoc
 }
 
 need_clang() { need clang=clang++ "libclang-rt-14-dev=/usr/lib/llvm-*/lib/clang/*/lib/linux/*asan*"; }
