@@ -74,7 +74,7 @@ def may_look_into(room, target):
     if room == "tests/platform":
         return target.startswith("platform/") or target == "tests/support"
     if room.startswith(("tests/", "bench", "fuzz")):
-        return (target.startswith(("platform/", "library/"))
+        return (target.startswith(("platform/", "library/", "tools/"))
                 or target in ("tests/support", "fuzz", "bench"))
     return False
 
