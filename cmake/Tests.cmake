@@ -22,6 +22,9 @@ endif()
 # a preset may say what to do for them instead.
 set(VUKSIM_TEST_OPTIONS "" CACHE STRING "Compiler options for tests, behind those of the build type")
 
+option(VUKSIM_SLOW_BUILD "What is built runs many times slower: the longest tests do a part of their work"
+    OFF)
+
 # GoogleTest's headers are by far the largest that a test includes: they are compiled once for all.
 add_library(vuksim_test_headers OBJECT "${CMAKE_CURRENT_LIST_DIR}/test_headers.cpp")
 target_compile_features(vuksim_test_headers PRIVATE cxx_std_20)

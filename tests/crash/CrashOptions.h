@@ -9,8 +9,9 @@ struct CrashOptions
     bool longRun = false;
     unsigned kills = 0;            // of real writers; 0: 100, or 2000 in a long run
     std::uint64_t seed = 20240229; // of all that is drawn
-    bool table = false;            // print the table that docs/reliability.md has
-    std::string document = {};     // where that table must stand; empty: nowhere
+    unsigned every = 1;        // judges only each so-manieth image of cut writes and power losses
+    bool table = false;        // print the table that docs/reliability.md has
+    std::string document = {}; // where that table must stand; empty: nowhere
 
     /// Those of this run, set before the first test.
     static CrashOptions& Current()

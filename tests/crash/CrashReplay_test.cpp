@@ -27,20 +27,24 @@ public:
         : mScenario(scenario), mLog(log), mTallies(tallies), mJudge(store.Deeds(), log)
     {}
 
-    void Killed() { VisitKilled(mLog, Judge()); }
-    void KilledInCall() { VisitKilledInCall(mLog, Judge()); }
+    void Killed() { VisitKilled(mLog, Judge(1)); }
+    void KilledInCall() { VisitKilledInCall(mLog, Judge(CrashOptions::Current().every)); }
     void PowerLost()
     {
-        VisitPowerLost(mLog, mScenario.powerLosses, CrashOptions::Current().seed, Judge());
+        const CrashOptions& options = CrashOptions::Current();
+        VisitPowerLost(mLog, mScenario.powerLosses, options.seed, Judge(options.every));
     }
 
     [[nodiscard]] std::size_t Broken() const noexcept { return mBroken; }
     [[nodiscard]] std::size_t PastEnd() const noexcept { return mPastEnd; }
 
 private:
-    CrashVisitor Judge()
+    CrashVisitor Judge(unsigned every)
     {
-        return [this](const CrashImage& image) {
+        return [this, every, number = 0U](const CrashImage& image) mutable {
+            if (number++ % every != 0) {
+                return;
+            }
             if (mModel != image.model || mMoment != image.moment) {
                 mSeen.clear();
                 mModel = image.model;

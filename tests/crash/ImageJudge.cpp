@@ -36,6 +36,7 @@ Outcome ImageJudge::Judge(const CrashImage& image)
             JudgeExactBytes(image.files[i].bytes, mExpected[i], outcome);
             JudgeOpenBytes(image.files[i].bytes, mExpected[i], outcome);
             files.push_back({i, mFiles.Write(i, image.files[i].bytes)});
+            mSalvage.Judge(files.back().name, mExpected[i], outcome);
         } else if (!mExpected[i].mayBeGone) {
             outcome.broken.push_back("P1: the file " + mLog.Names()[i] + " is gone");
         }

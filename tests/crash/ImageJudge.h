@@ -6,6 +6,7 @@
 #include "Ledger.h"
 #include "Outcome.h"
 #include "PoolView.h"
+#include "SalvageJudge.h"
 #include "VUKString.h"
 
 #include <cstddef>
@@ -45,6 +46,7 @@ private:
     const Ledger& mLedger;
     const DiskLog& mLog;
     ImageFiles mFiles;
+    SalvageJudge mSalvage;
     std::vector<FileExpectation> mExpected; // by file, for the moment and model below
     std::optional<CrashModel> mModel;
     std::size_t mMoment = 0;

@@ -100,6 +100,21 @@ TEST_F(JudgedStore, MayNotHaveAPoolBehindItsEnd)
     EXPECT_THAT(Judge().broken, Contains(HasSubstr("P3: a pool leads behind")));
 }
 
+// The second pool's header is beyond repair, so that its bytes are found in the first one.
+TEST_F(JudgedStore, MayNotHaveLostWrittenBytesOnceItIsSalvaged)
+{
+    mImage.model = CrashModel::Killed;
+    Bytes().replace(84, 80, std::string(80, 'X'));
+    EXPECT_THAT(Judge().broken,
+                Contains("P4: 38 bytes from position 132 are not what they were once salvaged"));
+}
+
+TEST_F(JudgedStore, MayNotBeBeyondSalvaging)
+{
+    Bytes().assign(170, 'X');
+    EXPECT_THAT(Judge().broken, Contains("P4: no pool was salvaged"));
+}
+
 TEST_F(JudgedStore, MayNotBeMissing)
 {
     mImage.files[0] = {};

@@ -1,11 +1,13 @@
 // Replays crashes of recorded runs and kills real writers, then prints how many and what became of
 // them. See kUsage.
 #include "CrashOptions.h"
+#include "SalvageJudge.h"
 #include "ShareTable.h"
 #include "Tally.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
@@ -20,6 +22,7 @@ constexpr char kUsage[] =
     "  --long           40 times as many power losses, 400 random runs, 2000 kills\n"
     "  --kills=N        kills N real writers\n"
     "  --seed=N         draws random runs, power losses and kills with another seed\n"
+    "  --every=N        judges each Nth image of cut writes and power losses only\n"
     "  --table          prints the table of docs/reliability.md; needs a whole run\n"
     "  --document=FILE  FILE must hold that table; it is that of a short run with the own seed\n";
 
@@ -55,8 +58,9 @@ public:
         }
         tally.Print(std::cout);
         std::cout << all.states << " states, " << all.distinct.size() << " different ones, "
-                  << all.broken << " with a broken promise; seed " << options.seed << std::endl;
-        if (!Whole()) {
+                  << all.broken << " with a broken promise; " << SalvageJudge::Files()
+                  << " files salvaged; seed " << options.seed << std::endl;
+        if (!Whole() || options.every > 1) {
             return;
         }
         EXPECT_GE(all.distinct.size(), kLeastStates);
@@ -92,6 +96,8 @@ void ReadOption(const std::string& argument, CrashOptions& options)
         options.kills = static_cast<unsigned>(Number(argument));
     } else if (argument.starts_with("--seed=")) {
         options.seed = Number(argument);
+    } else if (argument.starts_with("--every=")) {
+        options.every = std::max(1U, static_cast<unsigned>(Number(argument)));
     } else if (argument == "--table") {
         options.table = true;
     } else if (argument.starts_with("--document=")) {
