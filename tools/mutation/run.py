@@ -1,13 +1,16 @@
 """Changes one thing at a time in the library and sees whether the tests notice.
 
-Works on a copy of the tree, in FOLDER; the tree itself stays as it is. A mutant is killed when a
-test fails, crashes or takes too long, and when it does not compile. What lives has to be explained
-in living.txt beside this script, a line each: the mutant as this script prints it, a tab, the reason.
-Mutants are drawn by seed, so that a run can be repeated.
+Works on copies of the tree in FOLDER, one for each processor; the tree itself stays as it is. A
+mutant is killed when a test fails, crashes or takes too long, and when it does not compile. What
+lives has to be explained in living.txt beside this script, a line each: the mutant as this script
+prints it, a tab, the reason. Mutants are drawn by seed, so that a run can be repeated.
 """
 import argparse
 import collections
+import concurrent.futures
+import os
 import pathlib
+import queue
 import random
 import shutil
 import subprocess
@@ -23,45 +26,57 @@ PROGRAMS = ["unit_tests", "replaced_platform_tests", "format_tests", "scenario_t
 TOO_LONG = 60  # seconds, for one test program; all of them take a few
 
 
-def copy_tree(folder):
-    tree = folder / "tree"
-    shutil.rmtree(tree, ignore_errors=True)
-    shutil.copytree(ROOT, tree, ignore=shutil.ignore_patterns("build", ".git", "__pycache__"))
-    return tree
+class Workshop:
+    """A copy of the tree and its build, where one mutant at a time is tried."""
 
+    def __init__(self, folder):
+        self.tree = folder / "tree"
+        self._build = folder / "build"
+        self._scratch = folder / "scratch"
+        shutil.rmtree(self.tree, ignore_errors=True)
+        shutil.copytree(ROOT, self.tree, symlinks=True,
+                        ignore=shutil.ignore_patterns("build", ".git", "__pycache__"))
+        subprocess.run(["cmake", "-S", self.tree, "-B", self._build, "-G", "Ninja",
+                        "-DCMAKE_CXX_COMPILER=g++", "-DVUKSIM_BUILD_TOOLS=OFF",
+                        "-DCMAKE_CXX_FLAGS=-O1 -D_GLIBCXX_ASSERTIONS",
+                        "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON"],
+                       check=True, stdout=subprocess.DEVNULL)
+        if not self.builds():
+            sys.exit("the tree does not build as it is")
+        found = [path for path in self._build.rglob("*")
+                 if path.name in PROGRAMS and path.is_file()]
+        if len(found) != len(PROGRAMS):
+            sys.exit(f"expected {PROGRAMS}, found {found}")
+        self._programs = sorted(found, key=lambda path: PROGRAMS.index(path.name))
 
-def configure(tree, build):
-    subprocess.run(["cmake", "-S", tree, "-B", build, "-G", "Ninja", "-DCMAKE_CXX_COMPILER=g++",
-                    "-DCMAKE_CXX_FLAGS=-O1 -D_GLIBCXX_ASSERTIONS",
-                    "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON"], check=True, stdout=subprocess.DEVNULL)
+    def builds(self):
+        return subprocess.run(["ninja", "-C", self._build, *PROGRAMS], stdout=subprocess.DEVNULL,
+                              stderr=subprocess.DEVNULL, check=False).returncode == 0
 
+    def verdict_of_tests(self):
+        for program in self._programs:
+            shutil.rmtree(self._scratch, ignore_errors=True)
+            self._scratch.mkdir()
+            environment = {"TMPDIR": str(self._scratch), "PATH": "/usr/bin:/bin"}
+            try:
+                result = subprocess.run([program, "--gtest_brief=1", "--gtest_fail_fast=1"],
+                                        cwd=self._scratch, env=environment,
+                                        stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                                        stderr=subprocess.DEVNULL, timeout=TOO_LONG, check=False)
+            except subprocess.TimeoutExpired:
+                return "killed: too long"
+            if result.returncode != 0:
+                return f"killed: {program.name}"
+        return "LIVES"
 
-def built(build):
-    return subprocess.run(["ninja", "-C", build, *PROGRAMS], stdout=subprocess.DEVNULL,
-                          stderr=subprocess.DEVNULL, check=False).returncode == 0
-
-
-def programs_in(build):
-    found = [path for path in build.rglob("*") if path.name in PROGRAMS and path.is_file()]
-    if len(found) != len(PROGRAMS):
-        sys.exit(f"expected {PROGRAMS}, found {found}")
-    return sorted(found, key=lambda path: PROGRAMS.index(path.name))
-
-
-def verdict_of_tests(programs, scratch):
-    for program in programs:
-        shutil.rmtree(scratch, ignore_errors=True)
-        scratch.mkdir()
+    def verdict_of(self, mutant):
+        path = self.tree / mutant.file
+        original = path.read_text()
+        path.write_text(mutant.applied(original))
         try:
-            result = subprocess.run([program, "--gtest_brief=1", "--gtest_fail_fast=1"], cwd=scratch,
-                                    env={"TMPDIR": str(scratch), "PATH": "/usr/bin:/bin"},
-                                    stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
-                                    stderr=subprocess.DEVNULL, timeout=TOO_LONG, check=False)
-        except subprocess.TimeoutExpired:
-            return "killed: too long"
-        if result.returncode != 0:
-            return f"killed: {program.name}"
-    return "LIVES"
+            return self.verdict_of_tests() if self.builds() else "killed: does not compile"
+        finally:
+            path.write_text(original)
 
 
 def explanations():
@@ -70,16 +85,21 @@ def explanations():
     return dict(line.split("\t", 1) for line in lines if line and not line.startswith("#"))
 
 
-def try_one(mutant, tree, build, programs, scratch):
-    path = tree / mutant.file
-    original = path.read_text()
-    path.write_text(mutant.applied(original))
-    try:
-        if not built(build):
-            return "killed: does not compile"
-        return verdict_of_tests(programs, scratch)
-    finally:
-        path.write_text(original)
+def verdicts(chosen, workshops):
+    """Tries each mutant in whichever workshop is free; yields verdicts in the mutants' order."""
+    free = queue.SimpleQueue()
+    for workshop in workshops:
+        free.put(workshop)
+
+    def verdict_of(mutant):
+        workshop = free.get()
+        try:
+            return workshop.verdict_of(mutant)
+        finally:
+            free.put(workshop)
+
+    with concurrent.futures.ThreadPoolExecutor(len(workshops)) as pool:
+        yield from pool.map(verdict_of, chosen)
 
 
 def arguments():
@@ -87,6 +107,8 @@ def arguments():
     parser.add_argument("--count", type=int, default=300, help="how many mutants (300)")
     parser.add_argument("--seed", type=int, default=1, help="which ones (1)")
     parser.add_argument("--only", default="", help="only in files whose path contains this")
+    parser.add_argument("--jobs", type=int, default=os.cpu_count(),
+                        help="how many at a time (one for each processor)")
     parser.add_argument("--folder", type=pathlib.Path, default=ROOT / "build/mutation",
                         help="where copy and build go (build/mutation)")
     return parser.parse_args()
@@ -94,25 +116,21 @@ def arguments():
 
 def main():
     options = arguments()
-    options.folder.mkdir(parents=True, exist_ok=True)
-    tree, build = copy_tree(options.folder), options.folder / "build"
-    configure(tree, build)
-    if not built(build):
-        sys.exit("the tree does not build as it is")
-    programs, scratch = programs_in(build), options.folder / "scratch"
+    workshops = [Workshop(options.folder / str(number)) for number in range(options.jobs)]
     start = time.monotonic()
-    if verdict_of_tests(programs, scratch) != "LIVES":
+    if workshops[0].verdict_of_tests() != "LIVES":
         sys.exit("the tests fail without any change")
     print(f"the tests take {time.monotonic() - start:.1f} s", flush=True)
 
+    tree = workshops[0].tree
     files = [path for folder in SOURCES for path in sorted((tree / folder).glob("*.cpp"))
              if options.only in str(path.relative_to(tree))]
     everything = [mutant for path in files
                   for mutant in mutants_of(str(path.relative_to(tree)), path.read_text())]
     chosen = random.Random(options.seed).sample(everything, min(options.count, len(everything)))
     explained, counts, unexplained = explanations(), collections.Counter(), []
-    for number, mutant in enumerate(chosen, 1):
-        verdict = try_one(mutant, tree, build, programs, scratch)
+    tried = zip(chosen, verdicts(chosen, workshops))
+    for number, (mutant, verdict) in enumerate(tried, 1):
         if verdict == "LIVES" and mutant.key() in explained:
             verdict = "lives, explained"
         elif verdict == "LIVES":

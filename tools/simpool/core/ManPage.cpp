@@ -48,9 +48,10 @@ std::string Options(const CLI::App& options)
         for (const std::string& name : text.names) {
             head += fmt::format("{}\\fB{}\\fR", head.empty() ? "" : ", ", Roff(name));
         }
-        const std::string value = text.value.empty() ? "" : "\\fI" + Roff(text.value) + "\\fR";
-        result += ".TP\n" + head + (head.empty() || value.empty() ? "" : " ") + value + "\n" +
-                  Roff(text.description) + "\n";
+        if (!text.value.empty()) {
+            head += fmt::format("{}\\fI{}\\fR", head.empty() ? "" : " ", Roff(text.value));
+        }
+        result += fmt::format(".TP\n{}\n{}\n", head, Roff(text.description));
     }
     return result;
 }

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <array>
-#include <ranges>
 
 namespace simpool {
 namespace {
@@ -94,8 +93,8 @@ const char* NameOf(FieldType type) noexcept
 std::uint64_t LittleEndian(std::string_view bytes) noexcept
 {
     std::uint64_t value = 0;
-    for (const char byte : std::views::reverse(bytes)) {
-        value = value << 8U | static_cast<unsigned char>(byte);
+    for (std::size_t i = bytes.size(); i-- > 0;) {
+        value = value << 8U | static_cast<unsigned char>(bytes[i]);
     }
     return value;
 }
