@@ -4,12 +4,15 @@
 
 #include <cerrno>
 
+#include <sys/mman.h>
+
 namespace {
 
 void* Refuse(void*, std::size_t, int, int, int, off_t)
 {
+    void* const failed = ::mmap(nullptr, 0, PROT_NONE, MAP_PRIVATE, -1, 0); // for it has no bytes
     errno = ENODEV;
-    return reinterpret_cast<void*>(-1);
+    return failed;
 }
 
 struct WithoutMaps
@@ -17,5 +20,5 @@ struct WithoutMaps
     WithoutMaps() { VUKSimUttSystemCalls::Current().mmap = &Refuse; }
 };
 
-const WithoutMaps withoutMaps;
+const WithoutMaps kWithoutMaps;
 } // namespace

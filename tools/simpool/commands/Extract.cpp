@@ -62,9 +62,9 @@ void Extract::WriteFile(const LoadedFile& file, const Piece& piece, Output& err)
 
 void Extract::WriteOut(const LoadedFile& file, const Piece& piece, Output& out)
 {
-    constexpr std::uint64_t kChunk = std::uint64_t{1} << 20;
+    constexpr std::uint64_t kPiece = std::uint64_t{1} << 20;
     for (std::uint64_t done = 0; done < piece.length;) {
-        const std::uint64_t count = std::min(kChunk, piece.length - done);
+        const std::uint64_t count = std::min(kPiece, piece.length - done);
         out.Write(ReadBytes(file, piece.position + done, count));
         done += count;
     }

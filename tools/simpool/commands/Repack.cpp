@@ -28,11 +28,11 @@ std::uint64_t DeadTail(const LoadedFile& file)
 // loses zero bytes of its own: the place is a multiple of 16.
 std::uint64_t EndWithoutZeros(const LoadedFile& file, const PoolInfo& pool)
 {
-    constexpr std::uint64_t kChunk = std::uint64_t{1} << 16;
+    constexpr std::uint64_t kBlock = std::uint64_t{1} << 16; // read at a time
     constexpr std::uint64_t kStep = 16;
     std::uint64_t end = pool.DataLength();
     while (end > 0) {
-        const std::uint64_t begin = (end - 1) / kChunk * kChunk;
+        const std::uint64_t begin = (end - 1) / kBlock * kBlock;
         const std::string bytes = ReadBytes(file, pool.DataPosition() + begin, end - begin);
         const std::size_t last = bytes.find_last_not_of('\0');
         if (last != std::string::npos) {

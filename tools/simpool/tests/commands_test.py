@@ -288,6 +288,10 @@ class Stat(InFolder):
         self.assertEqual([p["uuid"] for p in document["largest"]], [B])
 
 
+# MB. A build with sanitizers keeps books of its memory, in memory.
+MOST_MEMORY = 256 if os.environ.get("SIMPOOL_SLOW") == "1" else 64
+
+
 class LargeFiles(InFolder):
     def measured(self, *arguments):
         """Seconds of processor time, and the most memory in MB."""
@@ -305,7 +309,7 @@ class LargeFiles(InFolder):
         self.file("a.sim", b"".join(pools))
         seconds, memory = min(self.measured("ls", "a.sim") for _ in range(3))
         self.assertLess(seconds, 1.0)  # 0.12 s where nothing else runs; checked builds are slower
-        self.assertLess(memory, 64)
+        self.assertLess(memory, MOST_MEMORY)
 
     def test_does_not_read_holes(self):
         with open(self.folder / "a.sim", "wb") as file:
@@ -314,7 +318,7 @@ class LargeFiles(InFolder):
         for words in (["ls"], ["verify"], ["stat"], ["salvage", "-n"], ["dump", "--data"]):
             seconds, memory = self.measured(*words, "a.sim")
             self.assertLess(seconds, 5, words)  # reading 4 GiB and looking at each byte takes longer
-            self.assertLess(memory, 64, words)
+            self.assertLess(memory, MOST_MEMORY, words)
         begin = time.monotonic()
         self.expect(0, "salvage", "a.sim", "-o", "b.sim")
         self.assertLess(time.monotonic() - begin, 30)
