@@ -10,6 +10,8 @@ PROGRAM = os.environ["SIMPOOL"]
 ROOT = Path(__file__).resolve().parents[3]
 GOLDEN = ROOT / "tests" / "format" / "golden"
 CORPUS = ROOT / "fuzz" / "corpus"
+# A build with sanitizers, whose programs take several times as long to start.
+SLOW = os.environ.get("SIMPOOL_SLOW") == "1"
 COMMANDS = ("ls", "verify", "salvage", "stat", "dump", "build", "hexdump", "extract", "copy", "new",
             "merge", "repack", "diff", "graph", "map")
 
