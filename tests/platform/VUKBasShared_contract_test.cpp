@@ -94,6 +94,20 @@ TEST(WeakPointerContract, LocksWhileTheObjectLivesAndThenNoMore)
     EXPECT_FALSE(weak.lock());
 }
 
+TEST(WeakPointerContract, LendsAnObjectThatLives)
+{
+    int alive = 0;
+    auto strong = VUKBasMakeShared<Pool>(alive);
+    const VUKBasWeakPtr<Pool> weak = strong;
+    const VUKBasWeakPtr<Pool> again = strong;
+    EXPECT_EQ(weak.Borrow(), strong.get());
+    EXPECT_EQ(&weak.BorrowLiving(), strong.get());
+    EXPECT_TRUE(weak.SameObject(again));
+    strong.reset();
+    EXPECT_EQ(weak.Borrow(), nullptr);
+    EXPECT_FALSE(weak.SameObject(again));
+}
+
 TEST(WeakPointerContract, CountsItsCopies)
 {
     int alive = 0;

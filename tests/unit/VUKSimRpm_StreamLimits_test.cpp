@@ -6,18 +6,9 @@ namespace {
 
 constexpr unsigned long long kHuge = 18446744073709551615ULL; // 2^64 - 1
 
-using VUKSimRpm_StreamLimits::ChunkSize;
+using VUKSimRpm_StreamLimits::Allowed;
 using VUKSimRpm_StreamLimits::Exceeds;
 } // namespace
-
-TEST(StreamLimits, RaiseAChunkTo16Bytes)
-{
-    EXPECT_EQ(ChunkSize(0), 16UL);
-    EXPECT_EQ(ChunkSize(15), 16UL);
-    EXPECT_EQ(ChunkSize(16), 16UL);
-    EXPECT_EQ(ChunkSize(17), 17UL);
-    EXPECT_EQ(ChunkSize(kHuge), kHuge);
-}
 
 TEST(StreamLimits, CanBeReachedAndNotPassed)
 {
@@ -43,4 +34,22 @@ TEST(StreamLimits, AreComparedWithoutSumsThatWrap)
     EXPECT_TRUE(Exceeds(kHuge, kHuge, 10));
     EXPECT_FALSE(Exceeds(4, kHuge - 4, kHuge));
     EXPECT_TRUE(Exceeds(4, kHuge - 3, kHuge));
+}
+
+TEST(StreamLimits, AllowNoMoreBytesThanLieBeforeThem)
+{
+    EXPECT_EQ(Allowed(0, 16, 10), 10U);
+    EXPECT_EQ(Allowed(4, 16, 10), 6U);
+    EXPECT_EQ(Allowed(4, 6, 10), 6U);
+    EXPECT_EQ(Allowed(4, 5, 10), 5U);
+    EXPECT_EQ(Allowed(10, 16, 10), 0U);
+    EXPECT_EQ(Allowed(11, 16, 10), 0U);
+    EXPECT_EQ(Allowed(kHuge, 16, kHuge), 0U);
+    EXPECT_EQ(Allowed(kHuge - 3, kHuge, kHuge), 3U);
+}
+
+TEST(StreamLimits, OfZeroAllowAllBytes)
+{
+    EXPECT_EQ(Allowed(0, 16, 0), 16U);
+    EXPECT_EQ(Allowed(kHuge, 16, 0), 16U);
 }

@@ -1,10 +1,13 @@
 #pragma once
 
 #include "VUKSimRpm_BStreamWrite.h"
-#include "VUKSimRpm_Buffer.h"
+#include "VUKSimRpm_Chunk.h"
 #include "VUKSimRpm_Export.h"
 #include "VUKSimRpm_Locator.h"
 #include "VUKSimRpm_Pool.h"
+
+#include <cstring>
+#include <utility>
 
 /// An output stream that adds bytes at the end of its file's current pool, growing the pool.
 ///
@@ -28,14 +31,27 @@ public:
 
     /// The bytes given to the stream so far, waiting ones included. After a failed flush those that
     /// still wait are counted twice.
-    [[nodiscard]] unsigned long Length() const noexcept { return mAppended + mFill; }
+    [[nodiscard]] unsigned long Length() const noexcept { return mAppended + Fill(); }
 
     /// \throws VUKBasAssertException "requestedLength > 0"; VUKSimExcRequestTooBig(requested, chunk
     /// size) after flushing what waited; what Flush throws. No room is counted then.
-    [[nodiscard]] char* PrepWrite(unsigned long requestedLength) override;
+    [[nodiscard]] char* PrepWrite(unsigned long requestedLength) override
+    {
+        if (requestedLength - 1 < Room()) [[likely]] { // and not 0
+            return std::exchange(mNext, mNext + requestedLength);
+        }
+        return PrepWriteElsewhere(requestedLength);
+    }
 
     /// A length of 0 does nothing. \throws what Flush throws.
-    void Write(const char* source, unsigned int length) override;
+    void Write(const char* source, unsigned int length) override
+    {
+        if (length - 1UL < Room()) [[likely]] {
+            std::memcpy(std::exchange(mNext, mNext + length), source, length);
+        } else {
+            WriteElsewhere(source, length);
+        }
+    }
     using VUKSimRpm_BStreamWrite::Write;
 
     /// Moves the waiting bytes into the pool. Does not make them durable, see
@@ -51,14 +67,24 @@ public:
     [[nodiscard]] VUKSimRpm_MemoryPool* IMPool() const override;
 
 private:
+    [[nodiscard]] unsigned long Room() const noexcept
+    {
+        return static_cast<unsigned long>(mChunk.Begin() + mChunk.Size() - mNext);
+    }
+    [[nodiscard]] unsigned long Fill() const noexcept
+    {
+        return static_cast<unsigned long>(mNext - mChunk.Begin());
+    }
+    char* PrepWriteElsewhere(unsigned long requestedLength);
+    void WriteElsewhere(const char* source, unsigned int length);
     void ExtendAndWrite(const char* source, unsigned long length);
+    void BeginChunk();
 
     VUKSimRpm_Pool mPool;
     VUKSimRpm_Locator mStart;       // where the first byte goes
     unsigned long mAppended = 0;    // bytes allocated and written so far
     VUKSimRpm_Locator mExpectedEnd; // where this stream left the pool's end
-    unsigned long mChunkSize;       // bytes, at least 16
     int mExceptionsAtBirth;         // already unwinding when the stream was made
-    unsigned long mFill = 0;        // bytes waiting in mBuffer
-    VUKSimRpm_Buffer mBuffer;       // mChunkSize bytes
+    VUKSimRpm_Chunk mChunk;         // of bytes that wait
+    char* mNext = nullptr;          // where the next byte waits in the chunk
 };

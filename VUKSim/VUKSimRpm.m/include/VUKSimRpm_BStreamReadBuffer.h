@@ -4,6 +4,9 @@
 #include "VUKSimRpm_BStreamRead.h"
 #include "VUKSimRpm_Export.h"
 
+#include <cstring>
+#include <utility>
+
 class VUKSimRpm_Pool;
 
 /// An input stream over the caller's memory, which must outlive it.
@@ -25,16 +28,28 @@ public:
 
     /// \throws VUKBasAssertException "requestedLength > 0"; VUKSimExcShortBuffer(requested,
     /// remaining) past the buffer's end. The stream is unchanged then.
-    [[nodiscard]] char* PrepRead(unsigned long requestedLength) override;
+    [[nodiscard]] char* PrepRead(unsigned long requestedLength) override
+    {
+        if (requestedLength - 1 >= mLength - mPosition) [[unlikely]] { // too many, or 0
+            Refuse(requestedLength);
+        }
+        // Handed out as char* by the interface that all streams share; the caller only decodes it.
+        return const_cast<char*>(mBuffer + std::exchange(mPosition, mPosition + requestedLength));
+    }
 
     /// \throws as PrepRead, for a length of 0 too: an empty text cannot be read here.
-    void Read(char* destination, unsigned int length) override;
+    void Read(char* destination, unsigned int length) override
+    {
+        std::memcpy(destination, PrepRead(length), length);
+    }
     using VUKSimRpm_BStreamRead::Read;
 
     [[nodiscard]] VUKSimRpm_PoolDirectoryImpl* SourceDir() const override;
     [[nodiscard]] VUKSimRpm_MemoryPool* IMPool() const override;
 
 private:
+    [[noreturn]] void Refuse(unsigned long requestedLength) const;
+
     const char* mBuffer;                                     // not owned
     unsigned long mLength;                                   // of mBuffer, in bytes
     unsigned long mPosition = 0;                             // bytes consumed so far

@@ -4,6 +4,9 @@
 #include "VUKSimRpm_BStreamWrite.h"
 #include "VUKSimRpm_Export.h"
 
+#include <cstring>
+#include <utility>
+
 class VUKSimRpm_Pool;
 
 /// An output stream over the caller's memory, which must outlive it.
@@ -24,16 +27,27 @@ public:
 
     /// \throws VUKBasAssertException "requestedLength > 0"; VUKSimExcShortBuffer(requested,
     /// remaining) past the buffer's end. The stream is unchanged then.
-    [[nodiscard]] char* PrepWrite(unsigned long requestedLength) override;
+    [[nodiscard]] char* PrepWrite(unsigned long requestedLength) override
+    {
+        if (requestedLength - 1 >= mLength - mPosition) [[unlikely]] { // too many, or 0
+            Refuse(requestedLength);
+        }
+        return mBuffer + std::exchange(mPosition, mPosition + requestedLength);
+    }
 
     /// \throws as PrepWrite, for a length of 0 too: an empty text cannot be written here.
-    void Write(const char* source, unsigned int length) override;
+    void Write(const char* source, unsigned int length) override
+    {
+        std::memcpy(PrepWrite(length), source, length);
+    }
     using VUKSimRpm_BStreamWrite::Write;
 
     [[nodiscard]] VUKSimRpm_PoolDirectoryImpl* SourceDir() const override;
     [[nodiscard]] VUKSimRpm_MemoryPool* IMPool() const override;
 
 private:
+    [[noreturn]] void Refuse(unsigned long requestedLength) const;
+
     char* mBuffer;                                           // not owned
     unsigned long mLength;                                   // of mBuffer, in bytes
     unsigned long mPosition = 0;                             // bytes produced so far

@@ -1,9 +1,12 @@
 #pragma once
 
 #include "VUKSimRpm_BStreamWrite.h"
-#include "VUKSimRpm_Buffer.h"
+#include "VUKSimRpm_Chunk.h"
 #include "VUKSimRpm_Export.h"
 #include "VUKSimRpm_Locator.h"
+
+#include <cstring>
+#include <utility>
 
 /// An output stream over the pool bytes that start at a locator, written a chunk at a time.
 ///
@@ -28,11 +31,24 @@ public:
     /// \throws VUKBasAssertException "requestedLength > 0"; VUKSimExcShortBuffer(position reached,
     /// limit); VUKSimExcRequestTooBig(requested, chunk size); what Flush throws. No room is counted
     /// then, but waiting bytes may have been flushed.
-    [[nodiscard]] char* PrepWrite(unsigned long requestedLength) override;
+    [[nodiscard]] char* PrepWrite(unsigned long requestedLength) override
+    {
+        if (requestedLength - 1 < Room()) [[likely]] { // and not 0
+            return std::exchange(mNext, mNext + requestedLength);
+        }
+        return PrepWriteElsewhere(requestedLength);
+    }
 
     /// A length of 0 does nothing. \throws as PrepWrite, but any length may be written. What could
     /// not be written is not counted.
-    void Write(const char* source, unsigned int length) override;
+    void Write(const char* source, unsigned int length) override
+    {
+        if (length - 1UL < Room()) [[likely]] {
+            std::memcpy(std::exchange(mNext, mNext + length), source, length);
+        } else {
+            WriteElsewhere(source, length);
+        }
+    }
     using VUKSimRpm_BStreamWrite::Write;
 
     /// Writes the waiting bytes to the pool; they go on waiting when that fails. Does not make them
@@ -44,13 +60,24 @@ public:
     [[nodiscard]] VUKSimRpm_MemoryPool* IMPool() const override;
 
 private:
+    [[nodiscard]] unsigned long Room() const noexcept
+    {
+        return static_cast<unsigned long>(mStop - mNext);
+    }
+    [[nodiscard]] unsigned long Fill() const noexcept
+    {
+        return static_cast<unsigned long>(mNext - mChunk.Begin());
+    }
+    char* PrepWriteElsewhere(unsigned long requestedLength);
+    void WriteElsewhere(const char* source, unsigned int length);
+    void BeginChunk();
     void CheckLimit(unsigned long from, unsigned long length, int line) const;
 
     VUKSimRpm_Locator mStart;  // keeps its memory pool
     unsigned long long mLimit; // bytes from mStart; 0 means unlimited
-    unsigned long mChunkSize;  // bytes, at least 16
     int mExceptionsAtBirth;    // already unwinding when the stream was made
-    unsigned long mBase = 0;   // where mBuffer will be written, in bytes from mStart
-    unsigned long mFill = 0;   // bytes waiting in mBuffer
-    VUKSimRpm_Buffer mBuffer;  // mChunkSize bytes, made on first use
+    unsigned long mBase = 0;   // where the chunk will be written, in bytes from mStart
+    VUKSimRpm_Chunk mChunk;    // made on first use
+    char* mNext = nullptr;     // where the next byte waits in the chunk; null without one
+    char* mStop = nullptr;     // where the chunk ends, or the limit before it
 };

@@ -7,6 +7,7 @@
 
 class VUKSimRpm_BStreamRead;
 class VUKSimRpm_BStreamWrite;
+class VUKSimRpm_Chunk;
 class VUKSimRpm_DirectLocator;
 class VUKSimRpm_MemoryPool;
 class VUKSimRpm_PoolDirectoryImpl;
@@ -26,33 +27,56 @@ public:
 
     /// Byte `offset` of the pool in `slot`. `pool`, when given, must outlive the locator.
     VUKSimRpm_Locator(const VUKBasWeakPtr<VUKSimRpm_PoolMap>& map, int slot,
-                      unsigned long long offset, VUKSimRpm_MemoryPool* pool);
+                      unsigned long long offset, VUKSimRpm_MemoryPool* pool)
+        : mMap(map), mSlot(slot), mOffset(offset), mIMPool(pool)
+    {}
 
     /// The byte `delta` behind `base`. Deliberately drops the memory pool: the new byte may lie
     /// outside it.
-    VUKSimRpm_Locator(const VUKSimRpm_Locator& base, unsigned long long delta);
+    VUKSimRpm_Locator(const VUKSimRpm_Locator& base, unsigned long long delta)
+        : VUKSimRpm_Locator(base.mMap, base.mSlot, base.mOffset + delta, nullptr)
+    {}
 
     /// The same byte as `other`, read and written through `pool`, which must outlive the locator.
-    VUKSimRpm_Locator(const VUKSimRpm_Locator& other, VUKSimRpm_MemoryPool& pool);
+    VUKSimRpm_Locator(const VUKSimRpm_Locator& other, VUKSimRpm_MemoryPool& pool)
+        : VUKSimRpm_Locator(other.mMap, other.mSlot, other.mOffset, &pool)
+    {}
 
     /// True once the pool map is gone, or when the slot is negative; the offset plays no part.
-    [[nodiscard]] bool Null() const noexcept;
+    [[nodiscard]] bool Null() const noexcept { return mSlot < 0 || mMap.expired(); }
 
     /// True when neither is null and both name the same slot of the same pool map.
-    [[nodiscard]] bool SamePool(const VUKSimRpm_Locator& that) const noexcept;
+    [[nodiscard]] bool SamePool(const VUKSimRpm_Locator& that) const noexcept
+    {
+        return mSlot >= 0 && mSlot == that.mSlot && mMap.SameObject(that.mMap);
+    }
 
     /// True when pool maps (a gone one counts as none), slots and offsets are equal. Memory pools
     /// and nullness play no part: two default locators are equal.
-    [[nodiscard]] bool operator==(const VUKSimRpm_Locator& that) const noexcept;
+    [[nodiscard]] bool operator==(const VUKSimRpm_Locator& that) const noexcept
+    {
+        return mMap.Borrow() == that.mMap.Borrow() && mSlot == that.mSlot &&
+               mOffset == that.mOffset;
+    }
 
     /// Orders by offset. \throws VUKBasAssertException "SamePool(that)".
     [[nodiscard]] bool operator<(const VUKSimRpm_Locator& that) const;
     [[nodiscard]] bool operator<=(const VUKSimRpm_Locator& that) const;
 
     /// The byte `n` further on or further back, with the same memory pool.
-    [[nodiscard]] VUKSimRpm_Locator operator+(unsigned long long n) const;
-    [[nodiscard]] VUKSimRpm_Locator operator-(unsigned long long n) const;
-    VUKSimRpm_Locator& operator+=(unsigned long long n) noexcept;
+    [[nodiscard]] VUKSimRpm_Locator operator+(unsigned long long n) const
+    {
+        return {mMap, mSlot, mOffset + n, mIMPool};
+    }
+    [[nodiscard]] VUKSimRpm_Locator operator-(unsigned long long n) const
+    {
+        return {mMap, mSlot, mOffset - n, mIMPool};
+    }
+    VUKSimRpm_Locator& operator+=(unsigned long long n) noexcept
+    {
+        mOffset += n;
+        return *this;
+    }
 
     /// This offset minus that one, modulo 2^64. \throws VUKBasAssertException "SamePool(that)".
     [[nodiscard]] unsigned long long operator-(const VUKSimRpm_Locator& that) const;
@@ -104,7 +128,11 @@ public:
     void InternalizeImpl(VUKSimRpm_BStreamRead& stream);
 
 private:
-    VUKBasSharedPtr<VUKSimRpm_PoolImpl> Resolve(int line) const;
+    friend class VUKSimRpm_Chunk;
+    friend class VUKSimRpm_MemoryPool;
+
+    [[nodiscard]] VUKSimRpm_PoolImpl& Resolve(int line) const;
+    [[nodiscard]] unsigned long long FilePosition() const noexcept;
 
     VUKBasWeakPtr<VUKSimRpm_PoolMap> mMap;   // empty in a default locator
     int mSlot = -1;                          // in mMap; negative names no pool

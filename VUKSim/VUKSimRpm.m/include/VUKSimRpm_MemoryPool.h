@@ -45,6 +45,9 @@ public:
     void Write(const VUKSimRpm_Locator& location, unsigned long length, const char* buffer);
 
 private:
+    [[nodiscard]] bool Images(const VUKSimRpm_Locator& location) const noexcept;
+    [[gnu::cold]] void RefuseRead(const VUKSimRpm_Locator& location) const;
+
     VUKBasAllocator mAllocator; // owns mBuffer; never empty
     VUKSimRpm_Locator mLocator; // the image's first byte, without a memory pool
     unsigned long mSize;        // bytes

@@ -5,9 +5,7 @@
 #include "VUKSimExcRequestTooBig.h"
 #include "VUKSimRpm_Assert.h"
 #include "VUKSimRpm_PoolDirectoryImpl.h"
-#include "VUKSimRpm_StreamLimits.h"
 
-#include <cstring>
 #include <exception>
 
 namespace {
@@ -35,10 +33,10 @@ const VUKSimRpm_Pool& Living(const VUKSimRpm_Pool& pool, int line)
 VUKSimRpm_BStreamAppendToPool::VUKSimRpm_BStreamAppendToPool(const VUKSimRpm_Pool& pool,
                                                              unsigned long chunkSize)
     : mPool(pool), mStart(Living(mPool, at::kConstructorPoolGone).End()), mExpectedEnd(mStart),
-      mChunkSize(VUKSimRpm_StreamLimits::ChunkSize(chunkSize)),
-      mExceptionsAtBirth(std::uncaught_exceptions())
+      mExceptionsAtBirth(std::uncaught_exceptions()), mChunk(chunkSize)
 {
-    mBuffer.AllocateOnce(mChunkSize);
+    mChunk.AllocateOnce();
+    BeginChunk();
 }
 
 VUKSimRpm_BStreamAppendToPool::~VUKSimRpm_BStreamAppendToPool() noexcept(false)
@@ -52,43 +50,14 @@ VUKSimRpm_BStreamAppendToPool::~VUKSimRpm_BStreamAppendToPool() noexcept(false)
     }
 }
 
-char* VUKSimRpm_BStreamAppendToPool::PrepWrite(unsigned long requestedLength)
-{
-    VUKSIMRPM_ASSERT(requestedLength > 0, kSource, at::kPrepNothing);
-    if (requestedLength > mChunkSize - mFill) {
-        Flush();
-    }
-    if (requestedLength > mChunkSize - mFill) {
-        VUKSimExcRequestTooBig(static_cast<unsigned>(requestedLength),
-                               static_cast<unsigned>(mChunkSize))
-            .Throw(kSource, at::kPrepTooBig);
-    }
-    char* room = mBuffer.Bytes() + mFill;
-    mFill += requestedLength;
-    return room;
-}
-
-void VUKSimRpm_BStreamAppendToPool::Write(const char* source, unsigned int length)
-{
-    if (length == 0) {
-        return;
-    }
-    if (length <= mChunkSize - mFill) {
-        std::memcpy(PrepWrite(length), source, length);
-        return;
-    }
-    Flush();
-    ExtendAndWrite(source, length);
-}
-
 void VUKSimRpm_BStreamAppendToPool::Flush()
 {
-    if (mFill == 0 && mPool.Null()) {
+    if (Fill() == 0 && mPool.Null()) {
         return; // all that was given lies in a pool that is closed by now
     }
-    if (mFill != 0) {
-        ExtendAndWrite(mBuffer.Bytes(), mFill);
-        mFill = 0;
+    if (Fill() != 0) {
+        ExtendAndWrite(mChunk.Begin(), Fill());
+        BeginChunk();
     }
     VUKSIMRPM_ASSERT(mStart + Length() == mPool.End(), kSource, at::kFlushEndElsewhere);
 }
@@ -103,6 +72,30 @@ VUKSimRpm_MemoryPool* VUKSimRpm_BStreamAppendToPool::IMPool() const
     return nullptr;
 }
 
+// Where the room as it stands does not do.
+char* VUKSimRpm_BStreamAppendToPool::PrepWriteElsewhere(unsigned long requestedLength)
+{
+    VUKSIMRPM_ASSERT(requestedLength > 0, kSource, at::kPrepNothing);
+    if (requestedLength > Room()) {
+        Flush();
+    }
+    if (requestedLength > Room()) {
+        VUKSimExcRequestTooBig(static_cast<unsigned>(requestedLength),
+                               static_cast<unsigned>(mChunk.Size()))
+            .Throw(kSource, at::kPrepTooBig);
+    }
+    return std::exchange(mNext, mNext + requestedLength);
+}
+
+void VUKSimRpm_BStreamAppendToPool::WriteElsewhere(const char* source, unsigned int length)
+{
+    if (length != 0) {
+        Flush();
+        ExtendAndWrite(source, length);
+        BeginChunk();
+    }
+}
+
 // Nothing is rolled back: after a failure the pool may be longer, and the stream, which no longer
 // finds the end where it left it, appends no more.
 void VUKSimRpm_BStreamAppendToPool::ExtendAndWrite(const char* source, unsigned long length)
@@ -113,4 +106,11 @@ void VUKSimRpm_BStreamAppendToPool::ExtendAndWrite(const char* source, unsigned 
     mAppended += length;
     mPool.Allocate(length).Write(length, source);
     mExpectedEnd = mPool.End();
+}
+
+// An empty chunk for the bytes that come next.
+void VUKSimRpm_BStreamAppendToPool::BeginChunk()
+{
+    mChunk.BeginAs(mExpectedEnd, nullptr, 0);
+    mNext = mChunk.Begin();
 }

@@ -5,9 +5,6 @@
 #include "VUKSimRpm_BoundDirectory.h"
 #include "VUKSimRpm_PoolDirectoryImpl.h"
 
-#include <cstring>
-#include <utility>
-
 namespace {
 
 constexpr char kSource[] = "VUKSim/VUKSimRpm.m/src/VUKSimRpm_BStreamReadBuffer";
@@ -32,24 +29,6 @@ VUKSimRpm_BStreamReadBuffer::VUKSimRpm_BStreamReadBuffer(const char* buffer, uns
 
 VUKSimRpm_BStreamReadBuffer::~VUKSimRpm_BStreamReadBuffer() = default;
 
-char* VUKSimRpm_BStreamReadBuffer::PrepRead(unsigned long requestedLength)
-{
-    VUKSIMRPM_ASSERT(requestedLength > 0, kSource, at::kPrepNothing);
-    const unsigned long remaining = mLength - mPosition;
-    if (requestedLength > remaining) {
-        VUKSimExcShortBuffer(static_cast<unsigned>(requestedLength),
-                             static_cast<unsigned>(remaining))
-            .Throw(kSource, at::kPrepBeyondEnd);
-    }
-    // Handed out as char* by the interface that all streams share; the caller only decodes it.
-    return const_cast<char*>(mBuffer + std::exchange(mPosition, mPosition + requestedLength));
-}
-
-void VUKSimRpm_BStreamReadBuffer::Read(char* destination, unsigned int length)
-{
-    std::memcpy(destination, PrepRead(length), length);
-}
-
 VUKSimRpm_PoolDirectoryImpl* VUKSimRpm_BStreamReadBuffer::SourceDir() const
 {
     return mSourceDir.get();
@@ -58,4 +37,13 @@ VUKSimRpm_PoolDirectoryImpl* VUKSimRpm_BStreamReadBuffer::SourceDir() const
 VUKSimRpm_MemoryPool* VUKSimRpm_BStreamReadBuffer::IMPool() const
 {
     return nullptr;
+}
+
+// Says why there are no such bytes.
+void VUKSimRpm_BStreamReadBuffer::Refuse(unsigned long requestedLength) const
+{
+    VUKSIMRPM_ASSERT(requestedLength > 0, kSource, at::kPrepNothing);
+    VUKSimExcShortBuffer(static_cast<unsigned>(requestedLength),
+                         static_cast<unsigned>(mLength - mPosition))
+        .Throw(kSource, at::kPrepBeyondEnd);
 }

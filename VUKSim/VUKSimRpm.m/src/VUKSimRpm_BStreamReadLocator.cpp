@@ -6,8 +6,6 @@
 #include "VUKSimRpm_PoolDirectoryImpl.h"
 #include "VUKSimRpm_StreamLimits.h"
 
-#include <cstring>
-
 namespace {
 
 constexpr char kSource[] = "VUKSim/VUKSimRpm.m/src/VUKSimRpm_BStreamReadLocator";
@@ -23,39 +21,10 @@ constexpr int kReadBeyondLimit = 75;
 VUKSimRpm_BStreamReadLocator::VUKSimRpm_BStreamReadLocator(const VUKSimRpm_Locator& start,
                                                            const unsigned long long& limit,
                                                            unsigned long chunkSize)
-    : mStart(start), mLimit(limit), mChunkSize(VUKSimRpm_StreamLimits::ChunkSize(chunkSize))
+    : mStart(start), mLimit(limit), mChunk(chunkSize)
 {}
 
 VUKSimRpm_BStreamReadLocator::~VUKSimRpm_BStreamReadLocator() = default;
-
-char* VUKSimRpm_BStreamReadLocator::PrepRead(unsigned long requestedLength)
-{
-    VUKSIMRPM_ASSERT(requestedLength > 0, kSource, at::kPrepNothing);
-    if (mFill - mCursor < requestedLength) {
-        ReadAhead();
-    }
-    CheckLimit(requestedLength, at::kPrepBeyondLimit);
-    if (mFill - mCursor < requestedLength) {
-        VUKSimExcRequestTooBig(static_cast<unsigned>(requestedLength), static_cast<unsigned>(mFill))
-            .Throw(kSource, at::kShortfall);
-    }
-    char* bytes = mBuffer.Bytes() + mCursor;
-    mCursor += requestedLength;
-    return bytes;
-}
-
-void VUKSimRpm_BStreamReadLocator::Read(char* destination, unsigned int length)
-{
-    if (length == 0) {
-        return;
-    }
-    CheckLimit(length, at::kReadBeyondLimit);
-    if (length <= mChunkSize) {
-        std::memcpy(destination, PrepRead(length), length);
-    } else {
-        ReadPastBuffer(destination, length);
-    }
-}
 
 VUKSimRpm_PoolDirectoryImpl* VUKSimRpm_BStreamReadLocator::SourceDir() const
 {
@@ -67,9 +36,37 @@ VUKSimRpm_MemoryPool* VUKSimRpm_BStreamReadLocator::IMPool() const
     return mStart.IMPool();
 }
 
+// Where the bytes at hand do not do: for the first ones, too many or none.
+char* VUKSimRpm_BStreamReadLocator::PrepReadElsewhere(unsigned long requestedLength)
+{
+    VUKSIMRPM_ASSERT(requestedLength > 0, kSource, at::kPrepNothing);
+    if (Held() < requestedLength) {
+        ReadAhead();
+    }
+    CheckLimit(requestedLength, at::kPrepBeyondLimit);
+    if (Held() < requestedLength) {
+        VUKSimExcRequestTooBig(static_cast<unsigned>(requestedLength), static_cast<unsigned>(mFill))
+            .Throw(kSource, at::kShortfall);
+    }
+    return std::exchange(mNext, mNext + requestedLength);
+}
+
+void VUKSimRpm_BStreamReadLocator::ReadElsewhere(char* destination, unsigned int length)
+{
+    if (length == 0) {
+        return;
+    }
+    CheckLimit(length, at::kReadBeyondLimit);
+    if (length <= mChunk.Size()) {
+        std::memcpy(destination, PrepReadElsewhere(length), length);
+    } else {
+        ReadPastChunk(destination, length);
+    }
+}
+
 void VUKSimRpm_BStreamReadLocator::CheckLimit(unsigned long length, int line) const
 {
-    const unsigned long position = mBase + mCursor;
+    const unsigned long position = mBase + Consumed();
     if (VUKSimRpm_StreamLimits::Exceeds(position, length, mLimit)) {
         VUKSimExcShortBuffer(static_cast<unsigned>(position + length),
                              static_cast<unsigned>(mLimit))
@@ -77,33 +74,40 @@ void VUKSimRpm_BStreamReadLocator::CheckLimit(unsigned long length, int line) co
     }
 }
 
-// Moves what is left to the front of the buffer and fills the rest from the pool, past the limit
+// Moves what is left to the front of the chunk and fills the rest from the pool, past the limit
 // too: reading there does no harm. What was left stays readable when the pool fails.
 void VUKSimRpm_BStreamReadLocator::ReadAhead()
 {
-    mBuffer.AllocateOnce(mChunkSize);
-    const unsigned long kept = mFill - mCursor;
-    std::memmove(mBuffer.Bytes(), mBuffer.Bytes() + mCursor, kept);
-    mBase += mCursor;
-    mCursor = 0;
-    mFill = kept;
-    mFill += (mStart + (mBase + kept)).Read(mChunkSize - kept, mBuffer.Bytes() + kept);
+    const unsigned long kept = Held();
+    const unsigned long consumed = Consumed();
+    mChunk.AllocateOnce();
+    mChunk.BeginAs(mStart + (mBase + consumed), mNext, kept);
+    mBase += consumed;
+    Hold(kept);
+    Hold(kept + (mStart + (mBase + kept)).Read(mChunk.Size() - kept, mChunk.Begin() + kept));
 }
 
 // A run longer than a chunk: the bytes held, then the rest straight from the pool.
-void VUKSimRpm_BStreamReadLocator::ReadPastBuffer(char* destination, unsigned int length)
+void VUKSimRpm_BStreamReadLocator::ReadPastChunk(char* destination, unsigned int length)
 {
-    const unsigned long held = mFill - mCursor;
+    const unsigned long held = Held();
     if (held > 0) {
-        std::memcpy(destination, mBuffer.Bytes() + mCursor, held);
+        std::memcpy(destination, mNext, held);
     }
     mBase += mFill;
-    mCursor = 0;
-    mFill = 0;
+    Hold(0);
     const unsigned long got = (mStart + mBase).Read(length - held, destination + held);
     mBase += got;
     if (held + got < length) {
         VUKSimExcRequestTooBig(length, static_cast<unsigned>(held + got))
             .Throw(kSource, at::kShortfall);
     }
+}
+
+// The first `fill` bytes of the chunk are to be consumed.
+void VUKSimRpm_BStreamReadLocator::Hold(unsigned long fill) noexcept
+{
+    mFill = fill;
+    mNext = mChunk.Begin();
+    mStop = mNext + VUKSimRpm_StreamLimits::Allowed(mBase, fill, mLimit);
 }

@@ -5,9 +5,6 @@
 #include "VUKSimRpm_BoundDirectory.h"
 #include "VUKSimRpm_PoolDirectoryImpl.h"
 
-#include <cstring>
-#include <utility>
-
 namespace {
 
 constexpr char kSource[] = "VUKSim/VUKSimRpm.m/src/VUKSimRpm_BStreamWriteBuffer";
@@ -32,23 +29,6 @@ VUKSimRpm_BStreamWriteBuffer::VUKSimRpm_BStreamWriteBuffer(char* buffer, unsigne
 
 VUKSimRpm_BStreamWriteBuffer::~VUKSimRpm_BStreamWriteBuffer() = default;
 
-char* VUKSimRpm_BStreamWriteBuffer::PrepWrite(unsigned long requestedLength)
-{
-    VUKSIMRPM_ASSERT(requestedLength > 0, kSource, at::kPrepNothing);
-    const unsigned long remaining = mLength - mPosition;
-    if (requestedLength > remaining) {
-        VUKSimExcShortBuffer(static_cast<unsigned>(requestedLength),
-                             static_cast<unsigned>(remaining))
-            .Throw(kSource, at::kPrepBeyondEnd);
-    }
-    return mBuffer + std::exchange(mPosition, mPosition + requestedLength);
-}
-
-void VUKSimRpm_BStreamWriteBuffer::Write(const char* source, unsigned int length)
-{
-    std::memcpy(PrepWrite(length), source, length);
-}
-
 VUKSimRpm_PoolDirectoryImpl* VUKSimRpm_BStreamWriteBuffer::SourceDir() const
 {
     return mSourceDir.get();
@@ -57,4 +37,13 @@ VUKSimRpm_PoolDirectoryImpl* VUKSimRpm_BStreamWriteBuffer::SourceDir() const
 VUKSimRpm_MemoryPool* VUKSimRpm_BStreamWriteBuffer::IMPool() const
 {
     return nullptr;
+}
+
+// Says why there are no such bytes.
+void VUKSimRpm_BStreamWriteBuffer::Refuse(unsigned long requestedLength) const
+{
+    VUKSIMRPM_ASSERT(requestedLength > 0, kSource, at::kPrepNothing);
+    VUKSimExcShortBuffer(static_cast<unsigned>(requestedLength),
+                         static_cast<unsigned>(mLength - mPosition))
+        .Throw(kSource, at::kPrepBeyondEnd);
 }

@@ -25,8 +25,8 @@ constexpr int kLongWriteBeyondLimit = 74;
 VUKSimRpm_BStreamWriteLocator::VUKSimRpm_BStreamWriteLocator(const VUKSimRpm_Locator& start,
                                                              const unsigned long long& limit,
                                                              unsigned long chunkSize)
-    : mStart(start), mLimit(limit), mChunkSize(VUKSimRpm_StreamLimits::ChunkSize(chunkSize)),
-      mExceptionsAtBirth(std::uncaught_exceptions())
+    : mStart(start), mLimit(limit), mExceptionsAtBirth(std::uncaught_exceptions()),
+      mChunk(chunkSize)
 {}
 
 VUKSimRpm_BStreamWriteLocator::~VUKSimRpm_BStreamWriteLocator() noexcept(false)
@@ -40,47 +40,12 @@ VUKSimRpm_BStreamWriteLocator::~VUKSimRpm_BStreamWriteLocator() noexcept(false)
     }
 }
 
-char* VUKSimRpm_BStreamWriteLocator::PrepWrite(unsigned long requestedLength)
-{
-    VUKSIMRPM_ASSERT(requestedLength > 0, kSource, at::kPrepNothing);
-    mBuffer.AllocateOnce(mChunkSize);
-    if (requestedLength > mChunkSize - mFill) {
-        Flush();
-    }
-    CheckLimit(mBase + mFill, requestedLength, at::kPrepBeyondLimit);
-    if (requestedLength > mChunkSize - mFill) {
-        VUKSimExcRequestTooBig(static_cast<unsigned>(requestedLength),
-                               static_cast<unsigned>(mChunkSize))
-            .Throw(kSource, at::kPrepTooBig);
-    }
-    char* room = mBuffer.Bytes() + mFill;
-    mFill += requestedLength;
-    return room;
-}
-
-void VUKSimRpm_BStreamWriteLocator::Write(const char* source, unsigned int length)
-{
-    if (length == 0) {
-        return;
-    }
-    CheckLimit(mBase + mFill, length, at::kWriteBeyondLimit);
-    if (length <= mChunkSize - mFill) {
-        std::memcpy(PrepWrite(length), source, length);
-        return;
-    }
-    // Straight to the pool, whatever the size: what does not fit is not worth another copy.
-    Flush();
-    CheckLimit(mBase, length, at::kLongWriteBeyondLimit);
-    (mStart + mBase).Write(length, source);
-    mBase += length;
-}
-
 void VUKSimRpm_BStreamWriteLocator::Flush()
 {
-    if (mFill != 0) {
-        (mStart + mBase).Write(mFill, mBuffer.Bytes());
-        mBase += mFill;
-        mFill = 0;
+    if (Fill() != 0) {
+        (mStart + mBase).Write(Fill(), mChunk.Begin());
+        mBase += Fill();
+        BeginChunk();
     }
 }
 
@@ -101,4 +66,52 @@ void VUKSimRpm_BStreamWriteLocator::CheckLimit(unsigned long from, unsigned long
         VUKSimExcShortBuffer(static_cast<unsigned>(from + length), static_cast<unsigned>(mLimit))
             .Throw(kSource, line);
     }
+}
+
+// Where the room as it stands does not do: for the first bytes, too many or none.
+char* VUKSimRpm_BStreamWriteLocator::PrepWriteElsewhere(unsigned long requestedLength)
+{
+    VUKSIMRPM_ASSERT(requestedLength > 0, kSource, at::kPrepNothing);
+    if (mNext == nullptr) {
+        mChunk.AllocateOnce();
+        BeginChunk();
+    }
+    if (requestedLength > mChunk.Size() - Fill()) {
+        Flush();
+    }
+    CheckLimit(mBase + Fill(), requestedLength, at::kPrepBeyondLimit);
+    if (requestedLength > mChunk.Size() - Fill()) {
+        VUKSimExcRequestTooBig(static_cast<unsigned>(requestedLength),
+                               static_cast<unsigned>(mChunk.Size()))
+            .Throw(kSource, at::kPrepTooBig);
+    }
+    return std::exchange(mNext, mNext + requestedLength);
+}
+
+void VUKSimRpm_BStreamWriteLocator::WriteElsewhere(const char* source, unsigned int length)
+{
+    if (length == 0) {
+        return;
+    }
+    CheckLimit(mBase + Fill(), length, at::kWriteBeyondLimit);
+    if (length <= mChunk.Size() - Fill()) {
+        std::memcpy(PrepWriteElsewhere(length), source, length);
+        return;
+    }
+    // Straight to the pool, whatever the size: what does not fit is not worth another copy.
+    Flush();
+    CheckLimit(mBase, length, at::kLongWriteBeyondLimit);
+    (mStart + mBase).Write(length, source);
+    mBase += length;
+    if (mNext != nullptr) {
+        BeginChunk();
+    }
+}
+
+// An empty chunk for the bytes from mBase on.
+void VUKSimRpm_BStreamWriteLocator::BeginChunk()
+{
+    mChunk.BeginAs(mStart + mBase, nullptr, 0);
+    mNext = mChunk.Begin();
+    mStop = mNext + VUKSimRpm_StreamLimits::Allowed(mBase, mChunk.Size(), mLimit);
 }

@@ -43,47 +43,30 @@ constexpr unsigned long kRecordSize = kOffsetSize + kReferenceSize;
 
 constexpr int kNoReference = -1; // stored for a locator that names no pool
 
-// A stream's directory with a living pool map. The lines are where a missing one is reported.
-const VUKSimRpm_PoolDirectoryImpl& Checked(const VUKSimRpm_PoolDirectoryImpl* directory,
-                                           int noDirectory, int noMap)
+[[noreturn, gnu::cold]] void ThrowNoPool(int line)
+{
+    VUKSimExcCantDerefLocator().Throw(kSource, line);
+}
+
+[[noreturn, gnu::cold]] void Refuse(const VUKSimRpm_PoolDirectoryImpl* directory, int noDirectory,
+                                    int noMap)
 {
     if (directory == nullptr) {
         VUKSimExcCantExternalizeLoc().Throw(kSource, noDirectory);
     }
-    if (directory->Map().expired()) {
-        VUKSimExcCantDerefLocator().Throw(kSource, noMap);
+    VUKSimExcCantDerefLocator().Throw(kSource, noMap);
+}
+
+// A stream's directory with a living pool map. The lines are where a missing one is reported.
+const VUKSimRpm_PoolDirectoryImpl& Checked(const VUKSimRpm_PoolDirectoryImpl* directory,
+                                           int noDirectory, int noMap)
+{
+    if (directory == nullptr || directory->Map().expired()) [[unlikely]] {
+        Refuse(directory, noDirectory, noMap);
     }
     return *directory;
 }
 } // namespace
-
-VUKSimRpm_Locator::VUKSimRpm_Locator(const VUKBasWeakPtr<VUKSimRpm_PoolMap>& map, int slot,
-                                     unsigned long long offset, VUKSimRpm_MemoryPool* pool)
-    : mMap(map), mSlot(slot), mOffset(offset), mIMPool(pool)
-{}
-
-VUKSimRpm_Locator::VUKSimRpm_Locator(const VUKSimRpm_Locator& base, unsigned long long delta)
-    : VUKSimRpm_Locator(base.mMap, base.mSlot, base.mOffset + delta, nullptr)
-{}
-
-VUKSimRpm_Locator::VUKSimRpm_Locator(const VUKSimRpm_Locator& other, VUKSimRpm_MemoryPool& pool)
-    : VUKSimRpm_Locator(other.mMap, other.mSlot, other.mOffset, &pool)
-{}
-
-bool VUKSimRpm_Locator::Null() const noexcept
-{
-    return mSlot < 0 || mMap.expired();
-}
-
-bool VUKSimRpm_Locator::SamePool(const VUKSimRpm_Locator& that) const noexcept
-{
-    return !Null() && !that.Null() && mSlot == that.mSlot && mMap.lock() == that.mMap.lock();
-}
-
-bool VUKSimRpm_Locator::operator==(const VUKSimRpm_Locator& that) const noexcept
-{
-    return mMap.lock() == that.mMap.lock() && mSlot == that.mSlot && mOffset == that.mOffset;
-}
 
 bool VUKSimRpm_Locator::operator<(const VUKSimRpm_Locator& that) const
 {
@@ -97,22 +80,6 @@ bool VUKSimRpm_Locator::operator<=(const VUKSimRpm_Locator& that) const
     return mOffset <= that.mOffset;
 }
 
-VUKSimRpm_Locator VUKSimRpm_Locator::operator+(unsigned long long n) const
-{
-    return {mMap, mSlot, mOffset + n, mIMPool};
-}
-
-VUKSimRpm_Locator VUKSimRpm_Locator::operator-(unsigned long long n) const
-{
-    return {mMap, mSlot, mOffset - n, mIMPool};
-}
-
-VUKSimRpm_Locator& VUKSimRpm_Locator::operator+=(unsigned long long n) noexcept
-{
-    mOffset += n;
-    return *this;
-}
-
 unsigned long long VUKSimRpm_Locator::operator-(const VUKSimRpm_Locator& that) const
 {
     VUKSIMRPM_ASSERT(SamePool(that), kSource, at::kDifferenceOtherPool);
@@ -121,8 +88,8 @@ unsigned long long VUKSimRpm_Locator::operator-(const VUKSimRpm_Locator& that) c
 
 VUKString VUKSimRpm_Locator::GetGUID() const
 {
-    const auto map = mMap.lock();
-    if (mSlot < 0 || !map) {
+    const VUKSimRpm_PoolMap* map = mMap.Borrow();
+    if (mSlot < 0 || map == nullptr) {
         VUKSimExcCantDerefLocator().Throw(kSource, at::kGuidNoMap);
     }
     char text[VUKSimRpm_UUID::kLength + 1] = {};
@@ -132,18 +99,18 @@ VUKString VUKSimRpm_Locator::GetGUID() const
 
 VUKBasSharedPtr<VUKSimRpm_PoolDirectoryImpl> VUKSimRpm_Locator::Directory() const
 {
-    return Resolve(at::kDirectoryNoPool)->Directory();
+    return Resolve(at::kDirectoryNoPool).Directory();
 }
 
 bool VUKSimRpm_Locator::ReadOnly() const
 {
-    return Resolve(at::kReadOnlyNoPool)->ReadOnly();
+    return Resolve(at::kReadOnlyNoPool).ReadOnly();
 }
 
 VUKSimRpm_DirectLocator VUKSimRpm_Locator::DirectLocator() const
 {
     VUKSIMRPM_ASSERT(0 == mIMPool, kSource, at::kDirectMemoryPool);
-    return Resolve(at::kDirectNoPool)->DirectLocator(mOffset);
+    return Resolve(at::kDirectNoPool).DirectLocator(mOffset);
 }
 
 unsigned long VUKSimRpm_Locator::Read(unsigned long length, char* buffer) const
@@ -152,7 +119,7 @@ unsigned long VUKSimRpm_Locator::Read(unsigned long length, char* buffer) const
     if (mIMPool != nullptr && mIMPool->Startin(*this)) {
         return mIMPool->Read(*this, length, buffer);
     }
-    return Resolve(at::kReadNoPool)->Read(mOffset, length, buffer);
+    return Resolve(at::kReadNoPool).Read(mOffset, length, buffer);
 }
 
 unsigned long VUKSimRpm_Locator::Write(unsigned long length, const char* buffer) const
@@ -160,7 +127,7 @@ unsigned long VUKSimRpm_Locator::Write(unsigned long length, const char* buffer)
     if (mIMPool != nullptr) {
         mIMPool->Write(*this, length, buffer);
     }
-    return Resolve(at::kWriteNoPool)->Write(mOffset, length, buffer);
+    return Resolve(at::kWriteNoPool).Write(mOffset, length, buffer);
 }
 
 void VUKSimRpm_Locator::ExternalizeImpl(VUKSimRpm_BStreamWrite& stream) const
@@ -197,18 +164,25 @@ void VUKSimRpm_Locator::InternalizeImpl(VUKSimRpm_BStreamRead& stream)
     mIMPool = pool;
 }
 
-// The open pool behind the locator. `line` is where its absence is reported.
-VUKBasSharedPtr<VUKSimRpm_PoolImpl> VUKSimRpm_Locator::Resolve(int line) const
+// The open pool behind the locator, whose file keeps it while one operation lasts. `line` is where
+// its absence is reported.
+VUKSimRpm_PoolImpl& VUKSimRpm_Locator::Resolve(int line) const
 {
     // The slot's sign is tested before the map, which takes a negative one for a fault of ours.
-    VUKBasSharedPtr<VUKSimRpm_PoolImpl> pool;
-    if (mSlot >= 0) {
-        if (const auto map = mMap.lock()) {
-            pool = map->Pool(mSlot).lock();
+    if (!Null()) [[likely]] {
+        VUKSimRpm_PoolImpl* const pool = mMap.BorrowLiving().OpenPool(mSlot);
+        if (pool != nullptr) [[likely]] {
+            return *pool;
         }
     }
-    if (!pool) {
-        VUKSimExcCantDerefLocator().Throw(kSource, line);
-    }
-    return pool;
+    ThrowNoPool(line);
+}
+
+// Where the byte lies in its file now; 0 while its pool is not open.
+unsigned long long VUKSimRpm_Locator::FilePosition() const noexcept
+{
+    const VUKSimRpm_PoolMap* const map = mMap.Borrow();
+    const bool known = map != nullptr && mSlot >= 0 && mSlot < map->Length();
+    const VUKSimRpm_PoolImpl* const pool = known ? map->OpenPool(mSlot) : nullptr;
+    return pool != nullptr ? pool->FilePosition(mOffset) : 0;
 }

@@ -2,6 +2,7 @@
 
 #include "VUKBasMemAllocator.h"
 #include "VUKSimRpm_Assert.h"
+#include "VUKSimUttShortCopy.h"
 
 #include <algorithm>
 
@@ -54,18 +55,21 @@ bool VUKSimRpm_MemoryPool::Within(const VUKSimRpm_Locator& location, unsigned lo
 
 bool VUKSimRpm_MemoryPool::Startin(const VUKSimRpm_Locator& location) const
 {
-    return mLocator <= location && location < mLocator + mSize;
+    if (!mLocator.SamePool(location)) [[unlikely]] {
+        return mLocator <= location; // which says what is wrong
+    }
+    return Images(location);
 }
 
 unsigned long VUKSimRpm_MemoryPool::Read(const VUKSimRpm_Locator& location, unsigned long length,
                                          char* buffer) const
 {
-    VUKSIMRPM_ASSERT(mLocator.SamePool(location), kSource, at::kReadOtherPool);
-    VUKSIMRPM_ASSERT(mLocator <= location, kSource, at::kReadBefore);
-    VUKSIMRPM_ASSERT(location < mLocator + mSize, kSource, at::kReadBeyondEnd);
-    const unsigned long long offset = location - mLocator;
+    if (!mLocator.SamePool(location) || !Images(location)) [[unlikely]] {
+        RefuseRead(location);
+    }
+    const unsigned long long offset = location.mOffset - mLocator.mOffset;
     const unsigned long n = std::min<unsigned long long>(length, mSize - offset);
-    std::copy_n(mBuffer + offset, n, buffer);
+    VUKSimUttShortCopy::Copy(buffer, mBuffer + offset, n);
     return n;
 }
 
@@ -74,4 +78,19 @@ void VUKSimRpm_MemoryPool::Write(const VUKSimRpm_Locator& location, unsigned lon
 {
     VUKSIMRPM_ASSERT(Within(location, length), kSource, at::kWriteOutside);
     std::copy_n(buffer, length, mBuffer + (location - mLocator));
+}
+
+// Says what is wrong with reading from `location`.
+void VUKSimRpm_MemoryPool::RefuseRead(const VUKSimRpm_Locator& location) const
+{
+    VUKSIMRPM_ASSERT(mLocator.SamePool(location), kSource, at::kReadOtherPool);
+    VUKSIMRPM_ASSERT(mLocator <= location, kSource, at::kReadBefore);
+    VUKSIMRPM_ASSERT(location < mLocator + mSize, kSource, at::kReadBeyondEnd);
+}
+
+// Whether the byte at a location of the same pool lies in the image. The sum may wrap, as with
+// locators: an image that begins before the data of its pool then holds nothing.
+bool VUKSimRpm_MemoryPool::Images(const VUKSimRpm_Locator& location) const noexcept
+{
+    return mLocator.mOffset <= location.mOffset && location.mOffset < mLocator.mOffset + mSize;
 }

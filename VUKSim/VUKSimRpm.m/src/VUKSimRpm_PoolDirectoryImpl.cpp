@@ -55,7 +55,7 @@ VUKSimRpm_PoolDirectoryImpl::~VUKSimRpm_PoolDirectoryImpl() = default;
 VUKString VUKSimRpm_PoolDirectoryImpl::GetGUID() const
 {
     char text[kUuidLength + 1] = {};
-    std::memcpy(text, mMap.lock()->UUID(OwnSlot()), kUuidLength);
+    std::memcpy(text, mMap.BorrowLiving().UUID(OwnSlot()), kUuidLength);
     return VUKString::BuildFromUTF8(text);
 }
 
@@ -117,7 +117,8 @@ void VUKSimRpm_PoolDirectoryImpl::Dump(char* out) const
     }
 }
 
-int VUKSimRpm_PoolDirectoryImpl::ExternalizeReference(int dstSlotInMap) const
+// All that ExternalizeReference asks, in order, and the search that the map is spared afterwards.
+int VUKSimRpm_PoolDirectoryImpl::SearchReference(int dstSlotInMap) const
 {
     VUKSIMRPM_ASSERT(dstSlotInMap >= 0, kSource, at::kExternalizeNegative);
     VUKSIMRPM_ASSERT(dstSlotInMap < mMap.lock()->Length(), kSource, at::kExternalizeBeyondMap);
@@ -126,7 +127,7 @@ int VUKSimRpm_PoolDirectoryImpl::ExternalizeReference(int dstSlotInMap) const
     const int srcSlotInDir = map->GetDirectoryIndex(srcSlot, dstSlotInMap);
     const long long len = mMapSlotList.Length();
     VUKSIMRPM_ASSERT(srcSlotInDir < len, kSource, at::kExternalizeBadCache);
-    if (srcSlotInDir >= 0) [[likely]] {
+    if (srcSlotInDir >= 0) {
         return srcSlotInDir;
     }
     for (int index = 0; index < len; ++index) {
@@ -138,7 +139,8 @@ int VUKSimRpm_PoolDirectoryImpl::ExternalizeReference(int dstSlotInMap) const
     VUKSimExcCantExternalizeLoc().Throw(kSource, at::kExternalizeUnknown);
 }
 
-int VUKSimRpm_PoolDirectoryImpl::InternalizeReference(int slotInDirectory) const
+// All that InternalizeReference asks, in order.
+int VUKSimRpm_PoolDirectoryImpl::CheckReference(int slotInDirectory) const
 {
     VUKSIMRPM_VALIDATE(slotInDirectory >= 0, kSource, at::kInternalizeNegative);
     VUKSIMRPM_VALIDATE(slotInDirectory < mMapSlotList.Length(), kSource, at::kInternalizeBeyondEnd);

@@ -52,13 +52,38 @@ public:
 
     /// The lowest index of slot `dstSlotInMap`, remembered in the map after the first search.
     /// \throws VUKSimExcCantExternalizeLoc when the directory does not name it.
-    [[nodiscard]] int ExternalizeReference(int dstSlotInMap) const;
+    [[nodiscard]] int ExternalizeReference(int dstSlotInMap) const
+    {
+        if (MapHas(dstSlotInMap)) [[likely]] { // and nearly always remembers it
+            const int index = mMap.BorrowLiving().RememberedIndex(OwnSlot(), dstSlotInMap);
+            if (index >= 0 && index < Length()) [[likely]] {
+                return index;
+            }
+        }
+        return SearchReference(dstSlotInMap);
+    }
 
     /// The slot at index `slotInDirectory`, a number read from a file.
     /// \throws VUKBasAssertException when the directory has no such entry.
-    [[nodiscard]] int InternalizeReference(int slotInDirectory) const;
+    [[nodiscard]] int InternalizeReference(int slotInDirectory) const
+    {
+        if (slotInDirectory >= 0 && slotInDirectory < Length()) [[likely]] {
+            const int slotInMap = mMapSlotList[slotInDirectory];
+            if (MapHas(slotInMap)) [[likely]] {
+                return slotInMap;
+            }
+        }
+        return CheckReference(slotInDirectory);
+    }
 
 private:
+    [[nodiscard]] bool MapHas(int slot) const noexcept
+    {
+        return slot >= 0 && slot < mMap.BorrowLiving().Length();
+    }
+    [[nodiscard]] int SearchReference(int dstSlotInMap) const;
+    [[nodiscard, gnu::cold]] int CheckReference(int slotInDirectory) const;
+
     VUKBasWeakPtr<VUKSimRpm_PoolMap> mMap;
     cow_List<int> mMapSlotList; // entry 0 is the pool's own slot
 };

@@ -149,7 +149,7 @@ VUKSimRpm_Locator VUKSimRpm_PoolImpl::Allocate(unsigned long long n)
 unsigned long VUKSimRpm_PoolImpl::Read(unsigned long long offset, unsigned long length,
                                        char* buffer) const
 {
-    return mFile.Read(AbsolutePosition(offset), length, buffer);
+    return mFile.Read(FilePosition(offset), length, buffer);
 }
 
 unsigned long VUKSimRpm_PoolImpl::Write(unsigned long long offset, unsigned long length,
@@ -160,10 +160,10 @@ unsigned long VUKSimRpm_PoolImpl::Write(unsigned long long offset, unsigned long
     if (offset + length > dataLength) {
         VUKSimExcIOBounds(offset, offset + length, dataLength).Throw(kSource, at::kWriteOutside);
     }
-    return mFile.Write(AbsolutePosition(offset), length, buffer);
+    return mFile.Write(FilePosition(offset), length, buffer);
 }
 
 VUKSimRpm_DirectLocator VUKSimRpm_PoolImpl::DirectLocator(unsigned long long offset) const
 {
-    return mFile.DirectLocator(AbsolutePosition(offset));
+    return mFile.DirectLocator(FilePosition(offset));
 }

@@ -85,14 +85,16 @@ public:
     /// \throws VUKSimExcIOBounds(offset, offset + length, data length), VUKSimExcWriteReadOnly.
     unsigned long Write(unsigned long long offset, unsigned long length, const char* buffer) const;
 
+    /// Where the data byte at `offset` lies in the file.
+    [[nodiscard]] unsigned long long FilePosition(unsigned long long offset) const noexcept
+    {
+        return mPosition + mHeaderSize + offset;
+    }
+
     [[nodiscard]] VUKSimRpm_DirectLocator DirectLocator(unsigned long long offset) const;
 
 private:
     void LoadDirectory(unsigned int count, unsigned long long end);
-    [[nodiscard]] unsigned long long AbsolutePosition(unsigned long long offset) const noexcept
-    {
-        return mPosition + mHeaderSize + offset;
-    }
 
     VUKSimRpm_FileImpl& mFile;
     VUKBasSharedPtr<VUKSimRpm_PoolDirectoryImpl> mDirectory;

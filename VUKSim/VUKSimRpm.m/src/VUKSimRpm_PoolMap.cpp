@@ -40,16 +40,17 @@ VUKSimRpm_PoolMap::~VUKSimRpm_PoolMap() = default;
 
 VUKBasWeakPtr<VUKSimRpm_PoolImpl> VUKSimRpm_PoolMap::Pool(int slot) const
 {
-    VUKSIMRPM_ASSERT(slot >= 0, kSource, at::kPoolNegative);
-    VUKSIMRPM_ASSERT(slot < mItemList.size(), kSource, at::kPoolBeyondEnd);
-    return mItemList[slot].pool;
+    return Checked(slot, at::kPoolNegative, at::kPoolBeyondEnd).pool;
+}
+
+VUKSimRpm_PoolImpl* VUKSimRpm_PoolMap::OpenPool(int slot) const
+{
+    return Checked(slot, at::kPoolNegative, at::kPoolBeyondEnd).pool.Borrow();
 }
 
 const char* VUKSimRpm_PoolMap::UUID(int slot) const
 {
-    VUKSIMRPM_ASSERT(slot >= 0, kSource, at::kUuidNegative);
-    VUKSIMRPM_ASSERT(slot < mItemList.size(), kSource, at::kUuidBeyondEnd);
-    return mItemList[slot].uuid.Text();
+    return Checked(slot, at::kUuidNegative, at::kUuidBeyondEnd).uuid.Text();
 }
 
 int VUKSimRpm_PoolMap::LookupByUUID(const char* uuid) const
@@ -61,7 +62,7 @@ int VUKSimRpm_PoolMap::LookupByUUID(const char* uuid) const
 bool VUKSimRpm_PoolMap::IsDuplicate(const char* uuid) const
 {
     const int slot = LookupByUUID(uuid);
-    return slot >= 0 && static_cast<bool>(Pool(slot).lock());
+    return slot >= 0 && OpenPool(slot) != nullptr;
 }
 
 int VUKSimRpm_PoolMap::GetDirectoryIndex(int srcSlot, int dstSlot) const
@@ -132,4 +133,20 @@ void VUKSimRpm_PoolMap::GrowAllocation(int required)
     VUKSimRpm_Matrix fresh(static_cast<int>(grown));
     fresh.FillFrom(mDirectoryIndexCache);
     fresh.Swap(mDirectoryIndexCache);
+}
+
+// The item of `slot`. The lines are where a slot that does not exist is reported.
+const VUKSimRpm_PoolMap::Item& VUKSimRpm_PoolMap::Checked(int slot, int negative,
+                                                          int beyondEnd) const
+{
+    if (slot < 0 || slot >= mItemList.size()) [[unlikely]] {
+        Refuse(slot, negative, beyondEnd);
+    }
+    return mItemList[slot];
+}
+
+void VUKSimRpm_PoolMap::Refuse(int slot, int negative, int beyondEnd) const
+{
+    VUKSIMRPM_ASSERT(slot >= 0, kSource, negative);
+    VUKSIMRPM_ASSERT(slot < mItemList.size(), kSource, beyondEnd);
 }

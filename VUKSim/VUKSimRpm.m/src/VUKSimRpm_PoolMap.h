@@ -40,6 +40,9 @@ public:
     /// \throws VUKBasAssertException for a slot that does not exist, as do all that take one.
     [[nodiscard]] VUKBasWeakPtr<VUKSimRpm_PoolImpl> Pool(int slot) const;
 
+    /// The same, borrowed for one access; null when it is not open.
+    [[nodiscard]] VUKSimRpm_PoolImpl* OpenPool(int slot) const;
+
     /// The 32 characters of the slot's UUID, not terminated; valid until a slot is added.
     [[nodiscard]] const char* UUID(int slot) const;
 
@@ -51,6 +54,12 @@ public:
 
     /// Where `dstSlot` stands in the directory of `srcSlot`, as far as it was remembered, else -1.
     [[nodiscard]] int GetDirectoryIndex(int srcSlot, int dstSlot) const;
+
+    /// The same for slots that are known to exist; nothing is checked.
+    [[nodiscard]] int RememberedIndex(int srcSlot, int dstSlot) const noexcept
+    {
+        return mDirectoryIndexCache.Get(srcSlot, dstSlot);
+    }
 
     /// Makes a slot for the 32 characters at `uuid` and returns it. A UUID that has a slot already
     /// keeps it in the index: the new slot can be reached only by its number.
@@ -74,6 +83,9 @@ public:
     void GrowAllocation(int required);
 
 private:
+    [[nodiscard]] const Item& Checked(int slot, int negative, int beyondEnd) const;
+    [[gnu::cold]] void Refuse(int slot, int negative, int beyondEnd) const;
+
     using UUIDIndex = VUKBasTreeGeneric<VUKBasNodeAllocator, VUKBasPair<VUKSimRpm_UUID const, int>,
                                         &VUKBasStandardComparitor<VUKSimRpm_UUID>::Compare>;
 

@@ -45,9 +45,17 @@ public:
         }
     }
 
-    VUKBasWeakPtr& operator=(VUKBasWeakPtr other) noexcept
+    VUKBasWeakPtr& operator=(const VUKBasWeakPtr& other) noexcept
     {
-        swap(other);
+        if (mCounts != other.mCounts) { // else one count would go up and down again
+            VUKBasWeakPtr(other).swap(*this);
+        }
+        return *this;
+    }
+
+    VUKBasWeakPtr& operator=(VUKBasWeakPtr&& other) noexcept
+    {
+        VUKBasWeakPtr(std::move(other)).swap(*this);
         return *this;
     }
 
@@ -60,6 +68,19 @@ public:
         }
         mCounts->AddStrong();
         return VUKBasSharedPtr<T>(mObject, mCounts);
+    }
+
+    /// The object without a count of its own, null when lock would give nothing: for the one access
+    /// that follows, while which another pointer keeps the object alive.
+    [[nodiscard]] T* Borrow() const noexcept { return expired() ? nullptr : mObject; }
+
+    /// The same where it is known to be there. Not checked.
+    [[nodiscard]] T& BorrowLiving() const noexcept { return *mObject; }
+
+    /// True when lock would give the same object here and there; false when there is none.
+    [[nodiscard]] bool SameObject(const VUKBasWeakPtr& that) const noexcept
+    {
+        return mCounts == that.mCounts && !expired();
     }
 
     /// True when lock would give nothing.

@@ -185,3 +185,66 @@ TEST(WeakPtr, RemembersADerivedObjectByItsBase)
     EXPECT_EQ(weak.lock()->value, 4);
     EXPECT_EQ(derived.UseCount(), 1);
 }
+
+TEST(WeakPtr, BorrowsAnObjectThatLivesWithoutACount)
+{
+    int alive = 0;
+    VUKBasSharedPtr<Counted> shared = VUKBasMakeShared<Counted>(alive, 8);
+    const VUKBasWeakPtr<Counted> weak(shared);
+    EXPECT_EQ(weak.Borrow(), shared.get());
+    EXPECT_EQ(&weak.BorrowLiving(), shared.get());
+    EXPECT_EQ(shared.UseCount(), 1);
+    shared.reset();
+    EXPECT_EQ(weak.Borrow(), nullptr);
+    EXPECT_EQ(VUKBasWeakPtr<Counted>().Borrow(), nullptr);
+}
+
+TEST(WeakPtr, BorrowsNothingFromAnObjectThatDies)
+{
+    struct Dying
+    {
+        explicit Dying(bool& borrowed) : mBorrowed(borrowed) {}
+        ~Dying() { mBorrowed = self.Borrow() != nullptr; }
+
+        VUKBasWeakPtr<Dying> self;
+        bool& mBorrowed;
+    };
+    bool borrowed = true;
+    auto shared = VUKBasMakeShared<Dying>(borrowed);
+    shared->self = shared;
+    shared.reset();
+    EXPECT_FALSE(borrowed);
+}
+
+TEST(WeakPtr, KnowsAnotherOfTheSameLivingObject)
+{
+    int alive = 0;
+    VUKBasSharedPtr<Counted> shared = VUKBasMakeShared<Counted>(alive, 8);
+    const VUKBasSharedPtr<Counted> other = VUKBasMakeShared<Counted>(alive, 8);
+    const VUKBasWeakPtr<Counted> weak(shared);
+    const VUKBasWeakPtr<Counted> again(shared);
+    const VUKBasWeakPtr<Counted> another(other);
+    const VUKBasWeakPtr<Counted> none;
+    EXPECT_TRUE(weak.SameObject(again));
+    EXPECT_FALSE(weak.SameObject(another));
+    EXPECT_FALSE(weak.SameObject(none));
+    EXPECT_FALSE(none.SameObject(none));
+    shared.reset();
+    EXPECT_FALSE(weak.SameObject(again));
+}
+
+TEST(WeakPtr, KeepsItsCountWhenItIsAssignedTheSameObject)
+{
+    int alive = 0;
+    const VUKBasSharedPtr<Counted> shared = VUKBasMakeShared<Counted>(alive, 8);
+    VUKBasWeakPtr<Counted> weak(shared);
+    const VUKBasWeakPtr<Counted> again(shared);
+    weak = again;
+    EXPECT_EQ(weak.WeakCount(), 2);
+    weak = VUKBasWeakPtr<Counted>(shared);
+    EXPECT_EQ(weak.WeakCount(), 2);
+    EXPECT_EQ(weak.Borrow(), shared.get());
+    weak = VUKBasWeakPtr<Counted>();
+    EXPECT_EQ(weak.WeakCount(), 0);
+    EXPECT_EQ(again.WeakCount(), 1);
+}

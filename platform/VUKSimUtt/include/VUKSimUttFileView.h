@@ -2,10 +2,10 @@
 
 #include "VUKBas_Export.h"
 #include "VUKSimUttGuardedRange.h"
+#include "VUKSimUttShortCopy.h"
 
 #include <atomic>
 #include <cstddef>
-#include <cstring>
 
 /// The pages of an open file that are read and written in place, as shared memory.
 ///
@@ -36,11 +36,11 @@ public:
     [[nodiscard]] bool Read(unsigned long long position, char* buffer,
                             unsigned long length) const noexcept
     {
-        if (!Intact()) {
-            return false;
+        if (length <= VUKSimUttShortCopy::kLongest) [[likely]] {
+            return VUKSimUttShortCopy::MoveIf(buffer, mBytes + position, length,
+                                              [this] { return Intact(); });
         }
-        std::memcpy(buffer, mBytes + position, length);
-        return Intact();
+        return ReadLong(position, buffer, length);
     }
 
     /// Puts bytes in the place of covered ones of a view that was mapped as writable. False when
@@ -51,7 +51,7 @@ public:
         if (!Intact()) {
             return false;
         }
-        std::memcpy(mBytes + position, buffer, length);
+        VUKSimUttShortCopy::Copy(mBytes + position, buffer, length);
         return Intact();
     }
 
@@ -73,18 +73,21 @@ public:
     void Drop() noexcept;
 
 private:
+    [[nodiscard]] bool ReadLong(unsigned long long position, char* buffer,
+                                unsigned long length) const noexcept;
     [[nodiscard]] bool Intact() const noexcept
     {
         // One copy before the watch or behind it, the verdict behind both.
         std::atomic_signal_fence(std::memory_order_seq_cst);
-        mWatched = *static_cast<const volatile char*>(mBytes + mEnd);
+        mWatched = *mWatch;
         std::atomic_signal_fence(std::memory_order_seq_cst);
         return !mRange.Lost();
     }
 
-    char* mBytes = nullptr;      // of the map; null without one
-    unsigned long long mEnd = 0; // of what is covered, where the watch begins
-    std::size_t mMapped = 0;     // bytes of the map, which may lead beyond the file
+    char* mBytes = nullptr;                // of the map; null without one
+    unsigned long long mEnd = 0;           // of what is covered
+    const volatile char* mWatch = nullptr; // the page at mEnd
+    std::size_t mMapped = 0;               // bytes of the map, which may lead beyond the file
     VUKSimUttGuardedRange mRange;
     // What the watch held. Kept, since memory checkers that translate a program leave out loads
     // whose value nobody uses.

@@ -3,6 +3,7 @@
 #include "VUKSimUttSystemCalls.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -60,9 +61,22 @@ bool VUKSimUttFileView::Map(int descriptor, bool writable, unsigned long long si
     return true;
 }
 
+// More than can be held back until the watch was seen behind it: looked at before, too, so that
+// `buffer` stays as it was where the file is too short.
+bool VUKSimUttFileView::ReadLong(unsigned long long position, char* buffer,
+                                 unsigned long length) const noexcept
+{
+    if (!Intact()) {
+        return false;
+    }
+    std::memcpy(buffer, mBytes + position, length);
+    return Intact();
+}
+
 void VUKSimUttFileView::Follow(unsigned long long size) noexcept
 {
     mEnd = CoveredEnd(std::min<unsigned long long>(size, mMapped));
+    mWatch = mBytes + mEnd;
 }
 
 bool VUKSimUttFileView::WouldCover(unsigned long long size, unsigned long long position,
@@ -80,6 +94,7 @@ void VUKSimUttFileView::Drop() noexcept
     mRange.Release();
     Calls().munmap(mBytes, mMapped);
     mBytes = nullptr;
+    mWatch = nullptr;
     mEnd = 0;
     mMapped = 0;
 }

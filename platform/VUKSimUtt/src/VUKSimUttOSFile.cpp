@@ -47,9 +47,6 @@ constexpr unsigned long long kLargestPosition = INT64_MAX;
 // The most that one call may be asked to move.
 constexpr unsigned long kLargestTransfer = SSIZE_MAX;
 
-// More bytes than this are written faster by a call, which makes no page fault for each page.
-constexpr unsigned long kLargestWriteInPlace = 16384;
-
 VUKSimUttSystemCalls& Calls() noexcept
 {
     return VUKSimUttSystemCalls::Current();
@@ -113,15 +110,6 @@ unsigned long VUKSimUttOSFile::Read(char* buffer, unsigned long length)
     return count;
 }
 
-unsigned long VUKSimUttOSFile::ReadAtomic(unsigned long long position, char* buffer,
-                                          unsigned long length)
-{
-    if (mView.Covers(position, length) && mView.Read(position, buffer, length)) {
-        return length;
-    }
-    return ReadByCalls(position, buffer, length);
-}
-
 unsigned long VUKSimUttOSFile::ReadByCalls(unsigned long long position, char* buffer,
                                            unsigned long length)
 {
@@ -154,16 +142,6 @@ unsigned long VUKSimUttOSFile::ReadByCalls(unsigned long long position, char* bu
         SeeEnd(std::max(mKnownEnd, position + done));
     }
     return done;
-}
-
-unsigned long VUKSimUttOSFile::WriteAtomic(unsigned long long position, const char* buffer,
-                                           unsigned long length)
-{
-    if (length <= kLargestWriteInPlace && !mReadOnly && mView.Covers(position, length) &&
-        mView.Write(position, buffer, length)) {
-        return length;
-    }
-    return WriteByCalls(position, buffer, length);
 }
 
 unsigned long VUKSimUttOSFile::WriteByCalls(unsigned long long position, const char* buffer,

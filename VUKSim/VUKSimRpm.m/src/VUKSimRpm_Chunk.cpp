@@ -1,0 +1,24 @@
+#include "VUKSimRpm_Chunk.h"
+
+#include <cstdint>
+#include <cstring>
+
+void VUKSimRpm_Chunk::AllocateOnce()
+{
+    if (mBegin == nullptr) {
+        mMemory.AllocateOnce(mSize + (mSize < kSmallestThatMoves ? 0 : kPage));
+        mBegin = mMemory.Bytes();
+    }
+}
+
+void VUKSimRpm_Chunk::BeginAs(const VUKSimRpm_Locator& place, const char* from,
+                              unsigned long kept) noexcept
+{
+    if (mSize >= kSmallestThatMoves) {
+        const auto memory = reinterpret_cast<std::uintptr_t>(mMemory.Bytes());
+        mBegin = mMemory.Bytes() + (place.FilePosition() - memory) % kPage;
+    }
+    if (kept > 0) {
+        std::memmove(mBegin, from, kept);
+    }
+}
