@@ -25,6 +25,12 @@ TEST(StringContract, HoldsUtf8UpToTheFirstZeroByte)
     EXPECT_EQ(text, VUKString("Gr\xC3\xB6\xC3\x9F"
                               "e"));
     EXPECT_NE(text, VUKString("gr"));
+
+    VUKString taken = text;
+    taken = "ab\0hidden";
+    EXPECT_STREQ(taken.UTF8(), "ab");
+    taken = nullptr;
+    EXPECT_TRUE(taken.IsEmpty());
 }
 
 TEST(ExceptionContract, ThrowsItsOwnClassWithThePlaceItWasGiven)

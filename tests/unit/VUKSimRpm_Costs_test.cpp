@@ -224,3 +224,16 @@ TEST(Costs, ReadingATextBelow256BytesNeedsNoBlockButTheTextsOwn)
     EXPECT_EQ(blocksToRead(252), 1);
     EXPECT_EQ(blocksToRead(253), 2);
 }
+
+TEST(Costs, ReadingATextIntoOneThatHadRoomForItNeedsNoBlock)
+{
+    std::vector<char> buffer(1000);
+    VUKSimRpm_BStreamWriteBuffer output(buffer.data(), buffer.size());
+    output.Write(VUKString(Letters(40).c_str()));
+    output.Write(VUKString(Letters(39).c_str()));
+    VUKSimRpm_BStreamReadBuffer input(buffer.data(), buffer.size());
+    VUKString text;
+    input.VUKSimRpm_BStreamRead::Read(text);
+    EXPECT_EQ(AllocationsOf([&] { input.VUKSimRpm_BStreamRead::Read(text); }), 0);
+    EXPECT_TRUE(text == Letters(39).c_str());
+}

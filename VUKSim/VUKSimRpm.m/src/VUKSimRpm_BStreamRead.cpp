@@ -50,7 +50,8 @@ void VUKSimRpm_BStreamRead::Read(VUKString& text)
     if (padded < VUKSimRpm_StringRecord::kSmall) {
         char bytes[VUKSimRpm_StringRecord::kSmall];
         Read(bytes, static_cast<unsigned int>(padded));
-        text = BuildText(bytes, length);
+        bytes[length] = '\0';
+        text = bytes; // in the memory that it has, where it fits
     } else {
         text = ReadLongText(*this, length, padded);
     }

@@ -20,6 +20,10 @@ public:
     /// The same, said out loud.
     [[nodiscard]] static VUKString BuildFromUTF8(const char* utf8) { return VUKString(utf8); }
 
+    /// Becomes the text up to the first zero byte, null being the empty one, in the memory that it
+    /// has where that is enough. Left as it was when there is no memory for more.
+    VUKString& operator=(const char* utf8);
+
     [[nodiscard]] unsigned int GetLengthInByte() const noexcept
     {
         return static_cast<unsigned int>(mText.size());

@@ -12,6 +12,7 @@ constexpr char kSource[] = "VUKSim/VUKBasCoreUtils.m/src/VUKString";
 namespace at {
 constexpr int kBuildTooLong = 1;
 constexpr int kJoinTooLong = 2;
+constexpr int kAssignTooLong = 3;
 } // namespace at
 
 // Lengths are handed out as 32-bit numbers: a longer text is refused here rather than counted
@@ -33,6 +34,16 @@ VUKString::VUKString(const char* utf8)
     if (utf8 != nullptr) {
         mText.assign(utf8, CheckedLength(std::strlen(utf8), at::kBuildTooLong));
     }
+}
+
+VUKString& VUKString::operator=(const char* utf8)
+{
+    if (utf8 != nullptr) {
+        mText.assign(utf8, CheckedLength(std::strlen(utf8), at::kAssignTooLong));
+    } else {
+        mText.clear();
+    }
+    return *this;
 }
 
 VUKString VUKString::operator+(const VUKString& tail) const

@@ -76,6 +76,36 @@ TEST(String, CopiesAreIndependentOfTheirSource)
     EXPECT_STREQ(source.UTF8(), "other");
 }
 
+TEST(String, TakesAnotherTextIntoTheMemoryThatItHas)
+{
+    VUKString text(kLongText);
+    mem_Watch watch;
+    text = "short";
+    EXPECT_STREQ(text.UTF8(), "short");
+    EXPECT_EQ(text.GetLengthInByte(), 5U);
+    text = kLongText;
+    EXPECT_STREQ(text.UTF8(), kLongText);
+    text = nullptr;
+    EXPECT_TRUE(text.IsEmpty());
+    EXPECT_EQ(watch.Allocations(), 0);
+}
+
+TEST(String, TakesAPartOfItself)
+{
+    VUKString text("the end");
+    text = text.UTF8() + 4;
+    EXPECT_STREQ(text.UTF8(), "end");
+}
+
+TEST(String, StaysAsItWasWhenThereIsNoMemoryForAnotherText)
+{
+    VUKString text("short");
+    mem_Watch watch;
+    watch.FailAt(1);
+    EXPECT_THROW(text = kLongText, std::bad_alloc);
+    EXPECT_STREQ(text.UTF8(), "short");
+}
+
 TEST(String, ComparesByUnsignedBytes)
 {
     EXPECT_TRUE(VUKString("a") == VUKString("a"));
@@ -131,6 +161,16 @@ TEST(String, RefusesATextLongerThanItsLengthCanSay)
         EXPECT_STREQ(exception.Path(), "VUKSim/VUKBasCoreUtils.m/src/VUKString");
         EXPECT_EQ(exception.Line(), 1);
     }
+    VUKString text("short");
+    try {
+        text = pages.Bytes();
+        FAIL() << "a text of 4 GiB was taken";
+    } catch (const VUKBasRangeException& exception) {
+        EXPECT_EQ(exception.Index(), 4'294'967'296);
+        EXPECT_EQ(exception.Length(), 4'294'967'295);
+        EXPECT_EQ(exception.Line(), 3);
+    }
+    EXPECT_STREQ(text.UTF8(), "short");
     EXPECT_EQ(watch.Allocations(), 0);
 }
 

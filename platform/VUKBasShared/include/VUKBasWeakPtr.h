@@ -45,6 +45,7 @@ public:
         }
     }
 
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): its own counts are the same
     VUKBasWeakPtr& operator=(const VUKBasWeakPtr& other) noexcept
     {
         if (mCounts != other.mCounts) { // else one count would go up and down again
