@@ -131,6 +131,10 @@ private:
     friend class VUKSimRpm_Chunk;
     friend class VUKSimRpm_MemoryPool;
 
+    // Apart, so that plain reads and writes carry nothing of them.
+    [[gnu::noinline]] unsigned long ReadThroughImage(unsigned long length, char* buffer) const;
+    [[gnu::noinline]] unsigned long WriteThroughImage(unsigned long length,
+                                                      const char* buffer) const;
     [[nodiscard]] VUKSimRpm_PoolImpl& Resolve(int line) const;
     [[nodiscard]] unsigned long long FilePosition() const noexcept;
 

@@ -30,6 +30,11 @@ constexpr int kPoolNone = 270;
 constexpr int kPoolBeyondEnd = 277;
 } // namespace at
 
+[[noreturn, gnu::cold]] void ThrowReadOnly()
+{
+    VUKSimExcWriteReadOnly().Throw(kSource, at::kWriteReadOnly);
+}
+
 constexpr unsigned long long kCopyChunk = 262144; // bytes
 } // namespace
 
@@ -110,8 +115,8 @@ unsigned long VUKSimRpm_FileImpl::Read(unsigned long long position, unsigned lon
 unsigned long VUKSimRpm_FileImpl::Write(unsigned long long position, unsigned long length,
                                         const char* buffer)
 {
-    if (ReadOnly()) {
-        VUKSimExcWriteReadOnly().Throw(kSource, at::kWriteReadOnly);
+    if (ReadOnly()) [[unlikely]] {
+        ThrowReadOnly();
     }
     return mFile.WriteAtomic(position, buffer, length);
 }

@@ -68,6 +68,20 @@ const VUKSimRpm_PoolDirectoryImpl& Checked(const VUKSimRpm_PoolDirectoryImpl* di
 }
 } // namespace
 
+// The open pool behind the locator, whose file keeps it while one operation lasts. `line` is where
+// its absence is reported.
+[[gnu::always_inline]] inline VUKSimRpm_PoolImpl& VUKSimRpm_Locator::Resolve(int line) const
+{
+    // The slot's sign is tested before the map, which takes a negative one for a fault of ours.
+    if (!Null()) [[likely]] {
+        VUKSimRpm_PoolImpl* const pool = mMap.BorrowLiving().OpenPool(mSlot);
+        if (pool != nullptr) [[likely]] {
+            return *pool;
+        }
+    }
+    ThrowNoPool(line);
+}
+
 bool VUKSimRpm_Locator::operator<(const VUKSimRpm_Locator& that) const
 {
     VUKSIMRPM_ASSERT(SamePool(that), kSource, at::kLessOtherPool);
@@ -115,8 +129,16 @@ VUKSimRpm_DirectLocator VUKSimRpm_Locator::DirectLocator() const
 
 unsigned long VUKSimRpm_Locator::Read(unsigned long length, char* buffer) const
 {
+    if (mIMPool != nullptr) {
+        return ReadThroughImage(length, buffer);
+    }
+    return Resolve(at::kReadNoPool).Read(mOffset, length, buffer);
+}
+
+unsigned long VUKSimRpm_Locator::ReadThroughImage(unsigned long length, char* buffer) const
+{
     // The image clips the read at its own end; the pool is deliberately not asked for the rest.
-    if (mIMPool != nullptr && mIMPool->Startin(*this)) {
+    if (mIMPool->Startin(*this)) {
         return mIMPool->Read(*this, length, buffer);
     }
     return Resolve(at::kReadNoPool).Read(mOffset, length, buffer);
@@ -125,8 +147,14 @@ unsigned long VUKSimRpm_Locator::Read(unsigned long length, char* buffer) const
 unsigned long VUKSimRpm_Locator::Write(unsigned long length, const char* buffer) const
 {
     if (mIMPool != nullptr) {
-        mIMPool->Write(*this, length, buffer);
+        return WriteThroughImage(length, buffer);
     }
+    return Resolve(at::kWriteNoPool).Write(mOffset, length, buffer);
+}
+
+unsigned long VUKSimRpm_Locator::WriteThroughImage(unsigned long length, const char* buffer) const
+{
+    mIMPool->Write(*this, length, buffer);
     return Resolve(at::kWriteNoPool).Write(mOffset, length, buffer);
 }
 
@@ -162,20 +190,6 @@ void VUKSimRpm_Locator::InternalizeImpl(VUKSimRpm_BStreamRead& stream)
         mOffset = 0;
     }
     mIMPool = pool;
-}
-
-// The open pool behind the locator, whose file keeps it while one operation lasts. `line` is where
-// its absence is reported.
-VUKSimRpm_PoolImpl& VUKSimRpm_Locator::Resolve(int line) const
-{
-    // The slot's sign is tested before the map, which takes a negative one for a fault of ours.
-    if (!Null()) [[likely]] {
-        VUKSimRpm_PoolImpl* const pool = mMap.BorrowLiving().OpenPool(mSlot);
-        if (pool != nullptr) [[likely]] {
-            return *pool;
-        }
-    }
-    ThrowNoPool(line);
 }
 
 // Where the byte lies in its file now; 0 while its pool is not open.

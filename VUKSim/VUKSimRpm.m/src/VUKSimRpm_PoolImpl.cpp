@@ -33,6 +33,12 @@ constexpr int kWriteOutside = 186;
 constexpr unsigned long long kHeaderSize = VUKSimRpm_PoolHeader::kSize;
 constexpr unsigned long long kEntrySize = VUKSimRpm_PoolHeader::kEntrySize;
 
+[[noreturn, gnu::cold]] void ThrowOutside(unsigned long long offset, unsigned long length,
+                                          unsigned long long dataLength)
+{
+    VUKSimExcIOBounds(offset, offset + length, dataLength).Throw(kSource, at::kWriteOutside);
+}
+
 // More entries than this have no header size of 32 bits.
 constexpr unsigned long long kMaxDirectoryCount =
     (std::numeric_limits<unsigned int>::max() - kHeaderSize) / kEntrySize;
@@ -157,8 +163,8 @@ unsigned long VUKSimRpm_PoolImpl::Write(unsigned long long offset, unsigned long
 {
     // The sum may wrap: a locator moved back before the data then reaches the pool's own beginning.
     const unsigned long long dataLength = DataLength();
-    if (offset + length > dataLength) {
-        VUKSimExcIOBounds(offset, offset + length, dataLength).Throw(kSource, at::kWriteOutside);
+    if (offset + length > dataLength) [[unlikely]] {
+        ThrowOutside(offset, length, dataLength);
     }
     return mFile.Write(FilePosition(offset), length, buffer);
 }

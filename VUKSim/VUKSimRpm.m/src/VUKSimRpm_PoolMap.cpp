@@ -5,6 +5,7 @@
 #include "VUKSimRpm_Assert.h"
 #include "VUKSimRpm_PoolImpl.h"
 
+#include <cstdlib>
 #include <new>
 
 namespace {
@@ -149,4 +150,5 @@ void VUKSimRpm_PoolMap::Refuse(int slot, int negative, int beyondEnd) const
 {
     VUKSIMRPM_ASSERT(slot >= 0, kSource, negative);
     VUKSIMRPM_ASSERT(slot < mItemList.size(), kSource, beyondEnd);
+    std::exit(1); // the list has changed under our feet, as when a check holds at its second look
 }

@@ -84,7 +84,7 @@ public:
 
 private:
     [[nodiscard]] const Item& Checked(int slot, int negative, int beyondEnd) const;
-    [[gnu::cold]] void Refuse(int slot, int negative, int beyondEnd) const;
+    [[noreturn, gnu::cold]] void Refuse(int slot, int negative, int beyondEnd) const;
 
     using UUIDIndex = VUKBasTreeGeneric<VUKBasNodeAllocator, VUKBasPair<VUKSimRpm_UUID const, int>,
                                         &VUKBasStandardComparitor<VUKSimRpm_UUID>::Compare>;

@@ -34,25 +34,32 @@ public:
     /// Copies covered bytes. False when pages were gone; `buffer` is then as it was, unless they
     /// went at this very moment.
     [[nodiscard]] bool Read(unsigned long long position, char* buffer,
-                            unsigned long length) const noexcept
-    {
-        if (length <= VUKSimUttShortCopy::kLongest) [[likely]] {
-            return VUKSimUttShortCopy::MoveIf(buffer, mBytes + position, length,
-                                              [this] { return Intact(); });
-        }
-        return ReadLong(position, buffer, length);
-    }
+                            unsigned long length) const noexcept;
 
     /// Puts bytes in the place of covered ones of a view that was mapped as writable. False when
     /// pages were gone: the bytes may then not have reached the file.
     [[nodiscard]] bool Write(unsigned long long position, const char* buffer,
-                             unsigned long length) const noexcept
+                             unsigned long length) const noexcept;
+
+    /// Up to so many bytes are copied without a call.
+    static constexpr unsigned long kShort = VUKSimUttShortCopy::kLongest;
+
+    /// As Read, for up to kShort bytes. They are held back until the watch was seen behind them, so
+    /// that `buffer` always is as it was when pages were gone.
+    [[nodiscard]] bool ReadShort(unsigned long long position, char* buffer,
+                                 unsigned long length) const noexcept
     {
-        if (!Intact()) {
-            return false;
-        }
-        VUKSimUttShortCopy::Copy(mBytes + position, buffer, length);
-        return Intact();
+        return VUKSimUttShortCopy::MoveIf(buffer, mBytes + position, length,
+                                          [this] { return Intact(); });
+    }
+
+    /// As Write, for up to kShort bytes.
+    [[nodiscard]] bool WriteShort(unsigned long long position, const char* buffer,
+                                  unsigned long length) const noexcept
+    {
+        return Intact() &&
+               VUKSimUttShortCopy::MoveIf(mBytes + position, buffer, length, [] { return true; }) &&
+               Intact();
     }
 
     /// Maps the file, with room to grow, and covers what a file of `size` bytes lets it. False, and
@@ -73,8 +80,6 @@ public:
     void Drop() noexcept;
 
 private:
-    [[nodiscard]] bool ReadLong(unsigned long long position, char* buffer,
-                                unsigned long length) const noexcept;
     [[nodiscard]] bool Intact() const noexcept
     {
         // One copy before the watch or behind it, the verdict behind both.

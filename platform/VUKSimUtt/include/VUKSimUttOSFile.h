@@ -65,10 +65,11 @@ public:
     [[nodiscard]] unsigned long ReadAtomic(unsigned long long position, char* buffer,
                                            unsigned long length)
     {
-        if (mView.Covers(position, length) && mView.Read(position, buffer, length)) [[likely]] {
+        if (length <= VUKSimUttFileView::kShort && mView.Covers(position, length) &&
+            mView.ReadShort(position, buffer, length)) [[likely]] {
             return length;
         }
-        return ReadByCalls(position, buffer, length);
+        return ReadInGeneral(position, buffer, length);
     }
 
     /// Writes all `length` bytes at `position` and returns `length`, or throws. Behind the end of
@@ -77,11 +78,11 @@ public:
     /// overwritten in part.
     unsigned long WriteAtomic(unsigned long long position, const char* buffer, unsigned long length)
     {
-        if (length <= kLargestWriteInPlace && !mReadOnly && mView.Covers(position, length) &&
-            mView.Write(position, buffer, length)) [[likely]] {
+        if (length <= VUKSimUttFileView::kShort && !mReadOnly && mView.Covers(position, length) &&
+            mView.WriteShort(position, buffer, length)) [[likely]] {
             return length;
         }
-        return WriteByCalls(position, buffer, length);
+        return WriteInGeneral(position, buffer, length);
     }
 
     /// Makes the file exactly `size` bytes long; what is added reads as zeros.
@@ -97,16 +98,13 @@ public:
     void Close();
 
 private:
-    // More bytes than this are written faster by a call, which makes no page fault for each page.
-    static constexpr unsigned long kLargestWriteInPlace = 16384;
-
     void OpenExisting(const VUKString& name, bool readOnly);
     void CreateUnique(const VUKString& name, const VUKString& second, unsigned int mode,
                       bool removeWhenClosed);
-    [[nodiscard]] unsigned long ReadByCalls(unsigned long long position, char* buffer,
-                                            unsigned long length);
-    unsigned long WriteByCalls(unsigned long long position, const char* buffer,
-                               unsigned long length);
+    [[nodiscard]] unsigned long ReadInGeneral(unsigned long long position, char* buffer,
+                                              unsigned long length);
+    unsigned long WriteInGeneral(unsigned long long position, const char* buffer,
+                                 unsigned long length);
     [[nodiscard]] bool MapFor(unsigned long long position, unsigned long length) noexcept;
     void SeeEnd(unsigned long long end) noexcept;
     [[nodiscard]] unsigned long WriteFully(unsigned long long position, const char* buffer,

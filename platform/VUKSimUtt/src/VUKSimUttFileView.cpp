@@ -61,15 +61,23 @@ bool VUKSimUttFileView::Map(int descriptor, bool writable, unsigned long long si
     return true;
 }
 
-// More than can be held back until the watch was seen behind it: looked at before, too, so that
-// `buffer` stays as it was where the file is too short.
-bool VUKSimUttFileView::ReadLong(unsigned long long position, char* buffer,
-                                 unsigned long length) const noexcept
+bool VUKSimUttFileView::Read(unsigned long long position, char* buffer,
+                             unsigned long length) const noexcept
 {
     if (!Intact()) {
         return false;
     }
     std::memcpy(buffer, mBytes + position, length);
+    return Intact();
+}
+
+bool VUKSimUttFileView::Write(unsigned long long position, const char* buffer,
+                              unsigned long length) const noexcept
+{
+    if (!Intact()) {
+        return false;
+    }
+    std::memcpy(mBytes + position, buffer, length);
     return Intact();
 }
 
