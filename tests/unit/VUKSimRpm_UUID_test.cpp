@@ -104,6 +104,23 @@ TEST(UUID, OrdersByUnsignedBytes)
     EXPECT_FALSE(highest.Less(low));
 }
 
+TEST(UUID, OrdersByTheFirstByteThatDiffers)
+{
+    for (std::size_t first = 0; first < 32; ++first) {
+        std::string text = bytes::Uuid('m');
+        text[first] = '\x01';
+        std::string larger = text;
+        larger[first] = '\xFE';
+        if (first < 31) {
+            text[31] = 'z'; // would say the opposite
+        }
+        const VUKSimRpm_UUID low(text.c_str());
+        const VUKSimRpm_UUID high(larger.c_str());
+        EXPECT_TRUE(low.Less(high)) << first;
+        EXPECT_FALSE(high.Less(low)) << first;
+    }
+}
+
 TEST(UUID, ComparesOnBehindAZeroByte)
 {
     std::string text = bytes::Uuid('a');
