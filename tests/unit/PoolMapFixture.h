@@ -35,7 +35,7 @@ private:
 };
 
 /// Writes down how many bytes each request for zeroed memory asks for, for as long as it lives: in
-/// a pool map these are its caches, one for each growth. One at a time.
+/// a pool map these are its caches' words, 8 bytes for a row, once for each growth. One at a time.
 class CacheRequests
 {
 public:

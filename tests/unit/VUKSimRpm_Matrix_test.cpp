@@ -2,10 +2,12 @@
 
 #include "Failures.h"
 #include "LimitedMemory.h"
+#include "mem_Alloc.h"
 
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstring>
 
 namespace {
 
@@ -56,6 +58,39 @@ TEST(Matrix, KeepsEveryValueOf32Bits)
     EXPECT_EQ(matrix.Get(0, 1), -2147483647 - 1);
     EXPECT_EQ(matrix.Get(1, 0), 0);
     EXPECT_EQ(matrix.Get(1, 1), -1);
+}
+
+TEST(Matrix, ReadsMinusOneWhateverItsMemoryHeldBefore)
+{
+    static mem_Functions real;
+    real = mem_CurrentFunctions();
+    mem_CurrentFunctions().allocate = [](std::size_t size) {
+        return std::memset(real.allocate(size), 'd', size);
+    };
+    VUKSimRpm_Matrix matrix(192); // in pieces of 4
+    mem_CurrentFunctions() = real;
+    matrix.Set(5, 6, 77);
+    matrix.Set(191, 191, 78);
+    for (int row = 0; row < 192; ++row) {
+        for (int column = 0; column < 192; ++column) {
+            const bool set = (row == 5 && column == 6) || (row == 191 && column == 191);
+            ASSERT_EQ(matrix.Get(row, column) == -1, !set) << row << ", " << column;
+        }
+    }
+    EXPECT_EQ(matrix.Get(5, 6), 77);
+    EXPECT_EQ(matrix.Get(191, 191), 78);
+}
+
+TEST(Matrix, SetsEntriesWhereARowDoesNotDivideEvenly)
+{
+    for (const int size : {65, 127, 129, 1000}) {
+        VUKSimRpm_Matrix matrix(size);
+        Number(matrix, 5);
+        EXPECT_EQ(matrix.Get(0, 0), 5);
+        EXPECT_EQ(matrix.Get(0, size - 1), 5 + size - 1);
+        EXPECT_EQ(matrix.Get(size - 1, 64), 5 + 100 * (size - 1) + 64);
+        EXPECT_EQ(matrix.Get(size - 1, size - 1), 5 + 101 * (size - 1));
+    }
 }
 
 TEST(Matrix, HasNoStorageForADimensionOfZeroOrLess)
@@ -113,6 +148,27 @@ TEST(Matrix, FillsInEntriesThatWereNeverSetToo)
     EXPECT_EQ(full.Get(0, 1), 9);
     EXPECT_EQ(full.Get(1, 0), -1);
     EXPECT_EQ(full.Get(1, 1), -1);
+}
+
+TEST(Matrix, FillsAcrossPiecesOfAnyLength)
+{
+    // Pieces of 1, of 4 and of 64 entries.
+    for (const int from : {64, 192, 4032}) {
+        for (const int to : {64, 192, 4032}) {
+            VUKSimRpm_Matrix source(from);
+            source.Set(3, 5, 35);
+            source.Set(3, 63, 363);
+            VUKSimRpm_Matrix target(to);
+            target.Set(3, 4, 34); // is set here alone, which is not seen there
+            target.Set(to - 1, to - 1, 9);
+            target.FillFrom(source);
+            EXPECT_EQ(target.Get(3, 5), 35) << from << " to " << to;
+            EXPECT_EQ(target.Get(3, 63), 363) << from << " to " << to;
+            EXPECT_EQ(target.Get(3, 4), -1) << from << " to " << to;
+            EXPECT_EQ(target.Get(2, 5), -1) << from << " to " << to;
+            EXPECT_EQ(target.Get(to - 1, to - 1), to > from ? 9 : -1) << from << " to " << to;
+        }
+    }
 }
 
 TEST(Matrix, HandsOnWhatItWasFilledWith)

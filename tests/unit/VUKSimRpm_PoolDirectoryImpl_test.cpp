@@ -275,7 +275,7 @@ TEST_F(PoolDirectory, StaysEmptyForACountOfZeroOrLess)
     EXPECT_EQ(mDirectory.Length(), 1);
 }
 
-// Each cache of the map has 4 bytes for an entry and one for a row.
+// Each cache of the map has a zeroed word of 8 bytes for a row.
 TEST_F(PoolDirectory, GrowsTheMapOnceForAllItsRecords)
 {
     std::string records;
@@ -285,16 +285,16 @@ TEST_F(PoolDirectory, GrowsTheMapOnceForAllItsRecords)
     AddSlots(*mMap, 64);
     const CacheRequests requests;
     mDirectory.Load(records.c_str(), 100);
-    EXPECT_THAT(requests.Sizes(), testing::ElementsAre(262400U)); // 64 + 164, up to 256
+    EXPECT_THAT(requests.Sizes(), testing::ElementsAre(2048U)); // 64 + 164, up to 256
     EXPECT_EQ(mMap->Length(), 164);
 }
 
-// Memory goes to the map's items and cache, to the list (twice), and then to each new slot.
+// Memory goes to the map's items and cache (twice), to the list (twice), and then to each new slot.
 TEST_F(PoolDirectory, KeepsWhatItLoadedWhenMemoryRunsOut)
 {
     const std::string records = mA + mB + mC;
     {
-        const LimitedMemory memory(6);
+        const LimitedMemory memory(7);
         EXPECT_TRUE(RaisesBadAlloc([&] { mDirectory.Load(records.c_str(), 3); }));
     }
     EXPECT_EQ(mMap->Length(), 2);

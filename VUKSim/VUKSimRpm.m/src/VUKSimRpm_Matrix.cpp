@@ -4,8 +4,13 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
 #include <new>
+#include <utility>
+
+namespace {
+
+constexpr int kPieces = 64; // of a row at most: the bits of its word
+} // namespace
 
 VUKSimRpm_Matrix::VUKSimRpm_Matrix(int size) : mSize(size)
 {
@@ -13,8 +18,12 @@ VUKSimRpm_Matrix::VUKSimRpm_Matrix(int size) : mSize(size)
         throw std::bad_alloc();
     }
     if (size >= 1) {
+        while ((size - 1) >> mPieceBits >= kPieces) {
+            ++mPieceBits;
+        }
         const auto rows = static_cast<std::size_t>(size);
-        mData = static_cast<int*>(mem_OperatorNewZeroedThrow(rows * rows * sizeof(int) + rows));
+        mPieces.AllocateOnce(rows * sizeof(std::uint64_t));
+        mData = static_cast<int*>(mem_OperatorNewThrowBuiltin(rows * rows * sizeof(int)));
     }
 }
 
@@ -25,18 +34,22 @@ VUKSimRpm_Matrix::~VUKSimRpm_Matrix()
 
 void VUKSimRpm_Matrix::Set(int row, int column, int value) noexcept
 {
-    mData[Index(row, column)] = ~value;
-    TouchedRows()[row] = 1;
+    Use(row, column);
+    mData[Index(row, column)] = value;
 }
 
 void VUKSimRpm_Matrix::FillFrom(const VUKSimRpm_Matrix& other) noexcept
 {
     const int common = std::min(mSize, other.mSize);
+    const int step = 1 << std::min(mPieceBits, other.mPieceBits); // within one piece of each
     for (int row = 0; row < common; ++row) {
-        if (other.TouchedRows()[row] != 0 || TouchedRows()[row] != 0) {
-            std::memcpy(mData + Index(row, 0), other.mData + other.Index(row, 0),
-                        static_cast<std::size_t>(common) * sizeof(int));
-            TouchedRows()[row] = 1;
+        if ((Pieces()[row] | other.Pieces()[row]) == 0) {
+            continue; // nearly always
+        }
+        for (int column = 0; column < common; column += step) {
+            if (InUse(row, column) || other.InUse(row, column)) {
+                FillPiece(row, column, std::min(step, common - column), other);
+            }
         }
     }
 }
@@ -45,9 +58,30 @@ void VUKSimRpm_Matrix::Swap(VUKSimRpm_Matrix& other) noexcept
 {
     std::swap(mSize, other.mSize);
     std::swap(mData, other.mData);
+    std::swap(mPieceBits, other.mPieceBits);
+    mPieces.Swap(other.mPieces);
 }
 
-char* VUKSimRpm_Matrix::TouchedRows() const noexcept
+// Sees to it that the piece of an entry is in use.
+void VUKSimRpm_Matrix::Use(int row, int column) noexcept
 {
-    return reinterpret_cast<char*>(mData + Index(mSize, 0));
+    if (!InUse(row, column)) {
+        const int piece = column >> mPieceBits;
+        const int begin = piece << mPieceBits;
+        std::fill_n(mData + Index(row, begin), std::min(1 << mPieceBits, mSize - begin), -1);
+        Pieces()[row] |= std::uint64_t{1} << piece;
+    }
+}
+
+// Copies `length` entries that lie in one piece here and in one there.
+void VUKSimRpm_Matrix::FillPiece(int row, int column, int length,
+                                 const VUKSimRpm_Matrix& other) noexcept
+{
+    Use(row, column);
+    int* const first = mData + Index(row, column);
+    if (other.InUse(row, column)) {
+        std::copy_n(other.mData + other.Index(row, column), length, first);
+    } else {
+        std::fill_n(first, length, -1);
+    }
 }

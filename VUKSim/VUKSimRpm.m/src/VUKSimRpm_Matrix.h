@@ -1,14 +1,15 @@
 #pragma once
 
+#include "VUKSimRpm_Buffer.h"
 #include "VUKSimRpm_Export.h"
 
-#include <utility>
+#include <cstdint>
 
 /// A square table of signed 32-bit entries that all read -1 until they are set.
 ///
-/// It may be far larger than memory: entries that were never set cost none. They are kept
-/// complemented, so that the untouched zero pages of a fresh block read -1, and copying skips rows
-/// in which nothing was ever set.
+/// It may be far larger than memory: a row is up to 64 pieces of equal length, and the memory of a
+/// piece in which nothing was ever set is neither written nor read. It need not be zero either, so
+/// that it costs no time to get, wherever it comes from.
 class VUKSIMRPM_EXPORT VUKSimRpm_Matrix
 {
 public:
@@ -25,11 +26,14 @@ public:
     [[nodiscard]] int Size() const noexcept { return mSize; }
 
     /// Entry (`row`, `column`); both must lie in [0, Size()).
-    [[nodiscard]] int Get(int row, int column) const noexcept { return ~mData[Index(row, column)]; }
+    [[nodiscard]] int Get(int row, int column) const noexcept
+    {
+        return InUse(row, column) ? mData[Index(row, column)] : -1;
+    }
     void Set(int row, int column, int value) noexcept;
 
     /// Copies the top left block that both have in common; entries outside it keep their value.
-    /// Rows that are untouched in both are left so.
+    /// Pieces that are not in use in either are left so.
     void FillFrom(const VUKSimRpm_Matrix& other) noexcept;
 
     void Swap(VUKSimRpm_Matrix& other) noexcept;
@@ -39,8 +43,19 @@ private:
     {
         return static_cast<long long>(row) * mSize + column;
     }
-    [[nodiscard]] char* TouchedRows() const noexcept;
+    [[nodiscard]] std::uint64_t* Pieces() const noexcept
+    {
+        return reinterpret_cast<std::uint64_t*>(mPieces.Bytes());
+    }
+    [[nodiscard]] bool InUse(int row, int column) const noexcept
+    {
+        return (Pieces()[row] >> (column >> mPieceBits) & 1U) != 0;
+    }
+    void Use(int row, int column) noexcept;
+    void FillPiece(int row, int column, int length, const VUKSimRpm_Matrix& other) noexcept;
 
-    int mSize;            // rows and columns
-    int* mData = nullptr; // owned; complements in row-major order, then a mark for each touched row
+    int mSize;                // rows and columns
+    int* mData = nullptr;     // owned; in row-major order, uninitialised where not in use
+    int mPieceBits = 0;       // a piece is 2^mPieceBits entries of a row, the last one less
+    VUKSimRpm_Buffer mPieces; // a word for each row, a bit for each of its pieces: set once in use
 };

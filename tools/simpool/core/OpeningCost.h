@@ -21,7 +21,7 @@ public:
     [[nodiscard]] std::uint64_t DistinctUuids() const noexcept { return mUuids.size(); }
 
     /// Of the square, in bytes.
-    [[nodiscard]] std::uint64_t CacheBytes() const noexcept { return mRows * (mRows * 4 + 1); }
+    [[nodiscard]] std::uint64_t CacheBytes() const noexcept { return mRows * (mRows * 4 + 8); }
 
     /// Whether the square would have more entries than it may: opening fails for want of memory.
     [[nodiscard]] bool IsRefused() const noexcept { return mIsRefused; }

@@ -284,7 +284,7 @@ class Stat(InFolder):
             "restBytes": 0, "references": 2})
         self.assertEqual((document["distinctReferences"], document["unresolvedReferences"]), (2, 1))
         self.assertEqual(document["opening"],
-                         {"uuids": 3, "cacheBytes": 16448, "refused": False})
+                         {"uuids": 3, "cacheBytes": 16896, "refused": False})
         self.assertEqual([p["uuid"] for p in document["largest"]], [B])
 
 
