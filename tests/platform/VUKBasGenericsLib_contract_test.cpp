@@ -89,12 +89,21 @@ TEST(TreeContract, KeepsTheFirstElementOfAKey)
     EXPECT_EQ(Found(tree, 3), 30);
 }
 
+TEST(TreeContract, FindsTheElementOfAKeyOrInsertsIt)
+{
+    Tree tree;
+    EXPECT_EQ(tree.FindOrInsert({Key{3}, 30}).second, 30);
+    EXPECT_EQ(tree.FindOrInsert({Key{3}, 31}).second, 30);
+    EXPECT_EQ(Found(tree, 3), 30);
+}
+
 TEST(TreeContract, StaysAsItIsWhenMemoryRunsOut)
 {
     Tree tree;
     tree.InsertUnique({Key{3}, 30});
     const LimitedMemory none(0);
     EXPECT_TRUE(RaisesBadAlloc([&] { tree.InsertUnique({Key{1}, 10}); }));
+    EXPECT_TRUE(RaisesBadAlloc([&] { tree.FindOrInsert({Key{1}, 10}); }));
     EXPECT_EQ(Found(tree, 1), -1);
     EXPECT_EQ(Found(tree, 3), 30);
 }

@@ -177,6 +177,31 @@ TEST(PoolMapMemory, KeepsItsOldCacheUntilAllOfItsGrowthIsThere)
     }
 }
 
+TEST(PoolMapMemory, GrowsForASlotThatItMakesButNotForOneThatItHas)
+{
+    VUKSimRpm_PoolMap map;
+    AddSlots(map, 64);
+    const CacheRequests requests;
+    EXPECT_EQ(map.SlotOf(NumberedUuid(63).c_str()), 63);
+    EXPECT_THAT(requests.Sizes(), ElementsAre());
+    EXPECT_EQ(map.SlotOf(NumberedUuid(64).c_str()), 64);
+    EXPECT_THAT(requests.Sizes(), ElementsAre(1536U)); // 192 by 192
+}
+
+TEST(PoolMapMemory, MakesNoSlotForAUuidWhenMemoryRunsOut)
+{
+    VUKSimRpm_PoolMap map;
+    AddSlots(map, 10);
+    map.AddReference(0, 0, 9);
+    {
+        const LimitedMemory none(0);
+        EXPECT_TRUE(RaisesBadAlloc([&] { map.SlotOf(NumberedUuid(10).c_str()); }));
+        EXPECT_EQ(map.SlotOf(NumberedUuid(9).c_str()), 9);
+    }
+    EXPECT_TRUE(HoldsNumberedSlots(map, 10));
+    EXPECT_EQ(map.SlotOf(NumberedUuid(10).c_str()), 10);
+}
+
 TEST(PoolMapMemory, GivesBackItsIndexThenItsItemsThenItsCache)
 {
     static mem_Functions real;

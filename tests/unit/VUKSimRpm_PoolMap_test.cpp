@@ -123,6 +123,27 @@ TEST_F(PoolMap, KeepsTheOldSlotWhenARemovedUuidComesBack)
     EXPECT_EQ(mMap.LookupByUUID(mA.c_str()), 0);
 }
 
+TEST_F(PoolMap, GivesAUuidItsSlotOrMakesOne)
+{
+    EXPECT_EQ(mMap.SlotOf(mA.c_str()), 0);
+    EXPECT_EQ(mMap.SlotOf(mB.c_str()), 1);
+    EXPECT_EQ(mMap.SlotOf(mA.c_str()), 0);
+    EXPECT_EQ(mMap.Length(), 2);
+    EXPECT_EQ(UuidOf(mMap, 1), "bbbbbbbbbbbbbbbbbbbbbbbbbbbbbbbb");
+    EXPECT_FALSE(mMap.Pool(1).lock());
+}
+
+TEST_F(PoolMap, GivesTheFirstSlotOfAUuidWhetherItsPoolIsOpenOrNot)
+{
+    const auto pool = mPools.NewPool();
+    NewSlot(mMap, mA);
+    NewSlot(mMap, mA);
+    EXPECT_EQ(mMap.SlotOf(mA.c_str()), 0);
+    mMap.SetPool(0, pool);
+    EXPECT_EQ(mMap.SlotOf(mA.c_str()), 0);
+    EXPECT_EQ(mMap.Length(), 2);
+}
+
 TEST_F(PoolMap, RefersToPoolsWeakly)
 {
     auto pool = mPools.NewPool();

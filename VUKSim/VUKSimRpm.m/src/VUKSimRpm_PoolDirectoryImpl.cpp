@@ -95,10 +95,8 @@ void VUKSimRpm_PoolDirectoryImpl::Load(const char* data, int count)
     mMapSlotList.Reserve(count);
     for (int i = 0; i < count; ++i) {
         const char* uuid = data + static_cast<long long>(i) * kUuidLength;
-        int slot = map->LookupByUUID(uuid);
-        if (slot < 0) {
-            slot = map->NewSlot(uuid);
-        } else if (i == 0 && map->Pool(slot).lock()) {
+        const int slot = map->SlotOf(uuid); // a new one has no pool
+        if (i == 0 && map->OpenPool(slot) != nullptr) {
             VUKSimExcPoolAlreadyInDoc().Throw(kSource, at::kLoadDuplicate);
         }
         mMapSlotList.Append(slot);

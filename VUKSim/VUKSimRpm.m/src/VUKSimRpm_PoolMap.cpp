@@ -95,6 +95,22 @@ int VUKSimRpm_PoolMap::NewSlot(const char* uuid)
     return slot;
 }
 
+int VUKSimRpm_PoolMap::SlotOf(const char* uuid)
+{
+    if (Length() == mDirectoryIndexCache.Size()) {
+        const int slot = LookupByUUID(uuid);
+        return slot >= 0 ? slot : NewSlot(uuid);
+    }
+    // The room is there, so that only the index can fail: one search of it will do.
+    const VUKSimRpm_UUID copy(uuid);
+    const int slot = Length();
+    const int found = mUUIDIndex.FindOrInsert({copy, slot}).second;
+    if (found == slot) {
+        mItemList.push_back(Item{copy, {}});
+    }
+    return found;
+}
+
 void VUKSimRpm_PoolMap::SetPool(int slot, const VUKBasWeakPtr<VUKSimRpm_PoolImpl>& pool)
 {
     VUKSIMRPM_ASSERT(slot >= 0, kSource, at::kSetPoolNegative);

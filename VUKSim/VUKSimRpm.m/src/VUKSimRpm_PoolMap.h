@@ -67,6 +67,10 @@ public:
     /// slot is added then.
     int NewSlot(const char* uuid);
 
+    /// The slot that LookupByUUID finds, or one that NewSlot makes.
+    /// \throws std::bad_alloc: no slot is added then.
+    int SlotOf(const char* uuid);
+
     /// Puts `pool` into `slot`, in place of what was there.
     void SetPool(int slot, const VUKBasWeakPtr<VUKSimRpm_PoolImpl>& pool);
 

@@ -36,6 +36,10 @@ public:
     /// returns false. Without memory for the node it throws std::bad_alloc and changes nothing.
     bool InsertUnique(const Element& element) { return mNodes.insert(element).second; }
 
+    /// The element with this one's key: the one that is there already, else this one, added. The
+    /// work of one InsertUnique, and fails as that does.
+    const Element& FindOrInsert(const Element& element) { return *mNodes.insert(element).first; }
+
 private:
     struct Before
     {

@@ -74,6 +74,30 @@ TEST(TreeGeneric, KeepsTheFirstElementOfAKey)
     EXPECT_EQ(tree.Find(Key{5, 'c'})->second, 10);
 }
 
+TEST(TreeGeneric, FindsOrInsertsInOneStep)
+{
+    Tree tree;
+    const Element& inserted = tree.FindOrInsert(Element{{5, 'a'}, 10});
+    EXPECT_EQ(inserted.first.note, 'a');
+    EXPECT_EQ(inserted.second, 10);
+    const Element& found = tree.FindOrInsert(Element{{5, 'b'}, 20});
+    EXPECT_EQ(&found, &inserted);
+    EXPECT_EQ(found.second, 10);
+    EXPECT_EQ(tree.size(), 1);
+}
+
+TEST(TreeGeneric, FindsWithoutMemoryWhatItWouldInsert)
+{
+    mem_Watch watch;
+    Tree tree;
+    tree.FindOrInsert(Element{{5, 'a'}, 10});
+    EXPECT_EQ(tree.FindOrInsert(Element{{5, 'b'}, 20}).second, 10);
+    EXPECT_EQ(watch.Allocations(), 1);
+    watch.FailAt(1);
+    EXPECT_THROW(tree.FindOrInsert(Element{{6, 'a'}, 30}), std::bad_alloc);
+    EXPECT_EQ(tree.size(), 1);
+}
+
 TEST(TreeGeneric, LeavesElementsWhereTheyAreWhileItGrows)
 {
     Tree tree;
