@@ -86,8 +86,50 @@ TEST_F(UnwrittenTail, CostsNothingWhereThereIsNone)
 {
     const ScriptedSystemCalls calls;
     mFile.NewPool(true, mB.c_str());
-    EXPECT_EQ(calls.Count(SystemCall::Ftruncate), 0);
     EXPECT_THAT(Writes(calls), ElementsAre(Transfer{0, 80}, Transfer{84, 80}));
+    EXPECT_EQ(calls.Calls().size(), 2U);
+}
+
+TEST_F(UnwrittenTail, CostsNothingInAFileThatIsOpenedAgain)
+{
+    mFile.Close();
+    VUKSimRpm_FileImpl again(mDocument);
+    again.OpenUpdate(mFolder.File("a.sim"));
+    const ScriptedSystemCalls calls;
+    again.NewPool(true, mB.c_str());
+    EXPECT_THAT(Writes(calls), ElementsAre(Transfer{0, 80}, Transfer{84, 80}));
+    EXPECT_EQ(calls.Calls().size(), 2U);
+}
+
+TEST_F(UnwrittenTail, IsNotWrittenByAWriteOfNothingAtItsEnd)
+{
+    AllocateAndWriteNothing();
+    mFile.Pool().lock()->Write(7, 0, "");
+    const ScriptedSystemCalls calls;
+    mFile.NewPool(true, mB.c_str());
+    EXPECT_EQ(calls.Count(SystemCall::Ftruncate), 1);
+    EXPECT_EQ(mFolder.Size("a.sim"), 167U);
+}
+
+// Direct locators write past the file's own knowledge: its size is asked for and found enough.
+TEST_F(UnwrittenTail, IsSeenToBeWrittenByADirectLocator)
+{
+    AllocateAndWriteNothing();
+    EXPECT_EQ(mFile.Pool().lock()->DirectLocator(4).Write(3, "567"), 3U);
+    const ScriptedSystemCalls calls;
+    mFile.NewPool(true, mB.c_str());
+    EXPECT_EQ(calls.Count(SystemCall::Fstat), 1);
+    EXPECT_EQ(calls.Count(SystemCall::Ftruncate), 0);
+}
+
+TEST_F(UnwrittenTail, IsNoticedBehindATruncation)
+{
+    mFile.Truncate(82);
+    mFile.Extend(84);
+    const ScriptedSystemCalls calls;
+    mFile.NewPool(true, mB.c_str());
+    EXPECT_EQ(calls.Count(SystemCall::Ftruncate), 1);
+    EXPECT_EQ(mFolder.Size("a.sim"), 164U);
 }
 
 TEST_F(UnwrittenTail, ShortensNoFileThatIsLongerThanItsPools)

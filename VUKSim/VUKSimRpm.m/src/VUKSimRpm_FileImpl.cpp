@@ -76,6 +76,7 @@ void VUKSimRpm_FileImpl::OpenRead(const VUKString& name)
 {
     mFile.OpenRead(name);
     mLogicalEnd = mFile.FileSize();
+    mWrittenEnd = mLogicalEnd;
     Load();
 }
 
@@ -83,6 +84,7 @@ void VUKSimRpm_FileImpl::OpenUpdate(const VUKString& name)
 {
     mFile.OpenUpdate(name);
     mLogicalEnd = mFile.FileSize();
+    mWrittenEnd = mLogicalEnd;
     Load();
 }
 
@@ -118,7 +120,11 @@ unsigned long VUKSimRpm_FileImpl::Write(unsigned long long position, unsigned lo
     if (ReadOnly()) [[unlikely]] {
         ThrowReadOnly();
     }
-    return mFile.WriteAtomic(position, buffer, length);
+    const unsigned long written = mFile.WriteAtomic(position, buffer, length);
+    if (written > 0) { // nothing, written behind the end, leaves the file as it is
+        mWrittenEnd = std::max(mWrittenEnd, position + written);
+    }
+    return written;
 }
 
 void VUKSimRpm_FileImpl::Extend(unsigned long long newEnd)
@@ -135,6 +141,7 @@ void VUKSimRpm_FileImpl::Truncate(const unsigned long long& size)
 {
     mFile.Truncate(size);
     mLogicalEnd = size;
+    mWrittenEnd = size;
 }
 
 void VUKSimRpm_FileImpl::Flush()
@@ -254,11 +261,12 @@ void VUKSimRpm_FileImpl::DropEmptyCurrentPool()
 
 // A pool whose last bytes were never written would get a length that leads behind the file's end,
 // and be left so by a crash before the next pool's header is there: the file first gets that long.
+// Its size is asked for only where it is in doubt: to ask between writes costs as much as a write.
 void VUKSimRpm_FileImpl::FreezeCurrentPool()
 {
     if (mCurrentPoolIndex >= 0) {
-        if (mFile.FileSize() < mLogicalEnd) {
-            mFile.Truncate(mLogicalEnd);
+        if (mWrittenEnd < mLogicalEnd && mFile.FileSize() < mLogicalEnd) {
+            Truncate(mLogicalEnd);
         }
         const auto& current = mPools[mCurrentPoolIndex];
         current->SetImmutable(true);

@@ -105,5 +105,6 @@ private:
     VUKBasVectorGeneric<VUKBasSharedPtr<VUKSimRpm_PoolImpl>> mPools; // in file order
     int mCurrentPoolIndex = -1;             // of the last pool; -1 until there is one
     unsigned long long mLogicalEnd = 0;     // one past the last byte in use
+    unsigned long long mWrittenEnd = 0;     // where it was written up to; the file may be longer
     unsigned long long mDirectoryBytes = 0; // left for the load that is under way
 };
