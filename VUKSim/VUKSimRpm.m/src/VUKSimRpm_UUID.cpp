@@ -29,16 +29,6 @@ long Draw()
     setstate(previous);
     return value;
 }
-
-// Eight characters as a number that orders as they do: the first weighs most.
-std::uint64_t Weight(const char* text) noexcept
-{
-    std::uint64_t weight = 0;
-    for (int i = 0; i < 8; ++i) {
-        weight = weight << 8 | static_cast<unsigned char>(text[i]);
-    }
-    return weight;
-}
 } // namespace
 
 const char* VUKSimRpm_UUID::mTestForceUUID = nullptr;
@@ -50,16 +40,7 @@ VUKSimRpm_UUID::VUKSimRpm_UUID(const char* text) noexcept
 
 bool VUKSimRpm_UUID::Less(const VUKSimRpm_UUID& that) const noexcept
 {
-    // Eight at a time; the first eight nearly always tell.
-    static_assert(kLength % 8 == 0);
-    for (int i = 0; i < kLength; i += 8) {
-        const std::uint64_t mine = Weight(mText + i);
-        const std::uint64_t other = Weight(that.mText + i);
-        if (mine != other) {
-            return mine < other;
-        }
-    }
-    return false;
+    return std::memcmp(mText, that.mText, kLength) < 0;
 }
 
 void VUKSimRpm_UUID::CreateUUID(char* text)
