@@ -10,16 +10,23 @@
 // outermost macro: further down it would be expanded first. Conditions must be free of side
 // effects, for they are looked at twice.
 
-// Reports a failed condition and looks again. Still false: throws. True now: the object changed
-// under our feet, nothing it says can be trusted, and the process ends.
+// What a failed condition comes to after its report. Still false: throws. True now: the object
+// changed under our feet, nothing it says can be trusted, and the process ends.
+[[noreturn]] inline void VUKSimRpm_EndCheck(bool holdsNow, const char* text, const char* source,
+                                            int line)
+{
+    if (!holdsNow) {
+        VUKBasAssertException(text).Throw(source, line);
+    }
+    std::exit(1);
+}
+
+// Reports a failed condition and looks again.
 #define VUKSIMRPM_CHECK_(Report, condition, text, source, line)                                    \
     do {                                                                                           \
         if (!condition) [[unlikely]] {                                                             \
             VUKSimUttAssert::Report(text, source, line);                                           \
-            if (!condition) {                                                                      \
-                VUKBasAssertException(text).Throw(source, line);                                   \
-            }                                                                                      \
-            std::exit(1);                                                                          \
+            VUKSimRpm_EndCheck(condition, text, source, line);                                     \
         }                                                                                          \
     } while (false)
 
