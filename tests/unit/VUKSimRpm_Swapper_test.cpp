@@ -4,6 +4,7 @@
 
 #include <csignal>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 
@@ -109,4 +110,15 @@ TEST(SwapperDeathTest, AbortsOnASizeThatIsNotStored)
         EXPECT_EXIT(VUKSimRpm_Swapper::ExternalizeScalarUnsafe(stored, item, size),
                     testing::KilledBySignal(SIGABRT), kSaid);
     }
+}
+
+TEST(SwapperDeathTest, AbortsByASignalThatTheHostMayAnswer)
+{
+    char stored[16] = {};
+    char item[16] = {};
+    const auto answered = [&] {
+        std::signal(SIGABRT, [](int) { std::exit(3); });
+        VUKSimRpm_Swapper::InternalizeScalarUnsafe(stored, item, 3);
+    };
+    EXPECT_EXIT(answered(), testing::ExitedWithCode(3), "^Illegal swap size\\.\n$");
 }

@@ -188,6 +188,11 @@ TEST(AssertException, CutsALongTextBetweenCharacters)
     EXPECT_EQ(VUKBasAssertException(euroAtTheEnd.c_str()).Text(), std::string(254, 'a'));
 }
 
+TEST(AssertException, KeepsNothingOfALongTextInWhichNoCharacterBegins)
+{
+    EXPECT_STREQ(VUKBasAssertException(std::string(256, '\x80').c_str()).Text(), "");
+}
+
 TEST(AssertException, ThrowsItsOwnClassThroughABaseReference)
 {
     VUKBasAssertException original("x");

@@ -142,6 +142,13 @@ TEST(SharedPtr, ConvertsToABaseAndSharesTheCount)
     EXPECT_EQ(alive, 0);
 }
 
+TEST(SharedPtr, OfABaseIsEmptyWhenMadeFromAnEmptyOne)
+{
+    const VUKBasSharedPtr<Base> base = VUKBasSharedPtr<Derived>();
+    EXPECT_EQ(base.get(), nullptr);
+    EXPECT_EQ(base.UseCount(), 0);
+}
+
 TEST(SharedPtr, MovingTakesTheObjectAndLeavesTheSourceEmpty)
 {
     int alive = 0;

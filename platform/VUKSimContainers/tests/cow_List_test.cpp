@@ -106,6 +106,16 @@ TEST(CowList, PartsFromItsCopiesWhenItReserves)
     EXPECT_EQ(copy[2], 30);
 }
 
+TEST(CowList, KeepsAllElementsWhenACopyReservesForFewer)
+{
+    const cow_List<int> list = TenTwentyThirty();
+    cow_List<int> copy(list);
+    copy.Reserve(1);
+    EXPECT_EQ(copy.Length(), 3);
+    EXPECT_EQ(copy[0], 10);
+    EXPECT_EQ(copy[2], 30);
+}
+
 TEST(CowList, ReservesOnceForManyElements)
 {
     mem_Watch watch;

@@ -16,6 +16,7 @@
 #include "OSFileSupport.h"
 #include "ScriptedSystemCalls.h"
 #include "TemporaryFolder.h"
+#include "VUKSimUttFileView.h"
 #include "VUKSimUttOSFile.h"
 
 // OS files of 64 KiB and more, which are served from memory that is mapped from them.
@@ -207,6 +208,16 @@ TEST(FileView, AReadOfWhatOthersCutOffLeavesTheBufferAlone)
     EXPECT_STREQ(buffer, (Pattern(50000).substr(49996) + "????").c_str());
 }
 
+TEST(FileView, WhatOthersCutOffBeforeTheFirstReadIsNotRead)
+{
+    const TemporaryFolder folder;
+    VUKSimUttOSFile file;
+    file.OpenRead(folder.Write("a.sim", Pattern(131072)));
+    Resize(folder, "a.sim", 100);
+    EXPECT_EQ(ReadAt(file, 90, 20), Pattern(100).substr(90));
+    EXPECT_EQ(ReadAt(file, 60000, 4), "");
+}
+
 TEST(FileView, AFileThatOthersMadeLongAgainIsReadAsItIsNow)
 {
     const TemporaryFolder folder;
@@ -316,6 +327,20 @@ TEST(FileView, WithoutAMapCallsDoTheWork)
                   calls.Count(SystemCall::Munmap) + (failing == SystemCall::Mmap ? 1 : 0));
         EXPECT_EQ(folder.Read("a.sim").substr(8, 7), "by call");
     }
+}
+
+TEST(FileView, MapsNothingBelow64KiBNorBeyond32TiB)
+{
+    ScriptedSystemCalls calls;
+    calls.FailAlways(SystemCall::Mmap, ENOMEM);
+    VUKSimUttFileView view;
+    for (const unsigned long long size : {0ULL, 65535ULL, 35184372088833ULL, ~0ULL}) {
+        EXPECT_FALSE(view.Map(-1, false, size));
+        EXPECT_EQ(calls.Count(SystemCall::Mmap), 0) << size;
+    }
+    EXPECT_FALSE(view.Map(-1, false, 65536));
+    EXPECT_FALSE(view.Map(-1, false, 35184372088832));
+    EXPECT_EQ(calls.Count(SystemCall::Mmap), 2);
 }
 
 TEST(FileView, AnAddressSpaceWithoutRoomIsNoHindrance)

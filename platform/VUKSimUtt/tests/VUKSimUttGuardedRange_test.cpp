@@ -1,5 +1,6 @@
 #include <csetjmp>
 #include <csignal>
+#include <cstdlib>
 #include <string>
 
 #include <fcntl.h>
@@ -55,12 +56,13 @@ protected:
 
     static void InstallDefault(void (*handler)(int)) { ::signal(SIGBUS, handler); }
 
-    // A page of a file that has become empty: whoever touches it is told by SIGBUS.
-    char* GonePage()
+    // A page of a file that has become empty: whoever touches it is told by SIGBUS. `length` bytes
+    // of addresses are taken up.
+    char* GonePage(std::size_t length = 4096)
     {
         mFolder.Write("gone", std::string(4096, 'x'));
         const int descriptor = ::open(mFolder.Path("gone").c_str(), O_RDWR | O_CLOEXEC);
-        void* const page = ::mmap(nullptr, 4096, PROT_READ, MAP_SHARED, descriptor, 0);
+        void* const page = ::mmap(nullptr, length, PROT_READ, MAP_SHARED, descriptor, 0);
         EXPECT_NE(page, MAP_FAILED);
         EXPECT_EQ(::ftruncate(descriptor, 0), 0);
         ::close(descriptor);
@@ -88,6 +90,15 @@ void Touch(const char* page)
     seen = *static_cast<const volatile char*>(page);
 }
 
+// For pages that are gone, under HostHandler.
+void TouchAndReturn(const char* page)
+{
+    if (sigsetjmp(hostReturn, 1) == 0) {
+        Touch(page);
+        ADD_FAILURE() << "the page was there";
+    }
+}
+
 TEST_F(Handlers, TheHostsHandlerIsBackWhenTheLastMappedFileIsClosed)
 {
     Install(HostHandler);
@@ -108,14 +119,15 @@ TEST_F(Handlers, TheHostsHandlerIsBackWhenTheLastMappedFileIsClosed)
 TEST_F(Handlers, FaultsInOtherMemoryGoToTheHandlerThatWasThereBefore)
 {
     Install(HostHandler);
+    const char* const mappedBefore = GonePage();
     VUKSimUttOSFile file;
     OpenMapped(file, "a.sim");
-    const char* const page = GonePage();
-    if (sigsetjmp(hostReturn, 1) == 0) {
-        Touch(page);
-        ADD_FAILURE() << "the page was there";
+    const char* const mappedBehind = GonePage(1 << 28); // fits only below the file's memory
+    for (const char* const page : {mappedBefore, mappedBehind}) {
+        hostCalls = 0;
+        TouchAndReturn(page);
+        EXPECT_EQ(hostCalls, 1);
     }
-    EXPECT_EQ(hostCalls, 1);
     EXPECT_EQ(ReadAt(file, 5000, 3), "mmm");
 }
 
@@ -185,7 +197,30 @@ TEST_F(Handlers, UnderAHandlerOnTopOfOursOpenFilesAreSafeAndNewOnesAreNotMapped)
             struct sigaction inForce;
             ::sigaction(SIGBUS, nullptr, &inForce);
             const bool left = inForce.sa_sigaction == &PassingHostHandler;
-            ::_exit(safe && byCall && left ? 0 : 1);
+            std::exit(safe && byCall && left ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
+TEST_F(Handlers, WhileAFileIsMappedAHandlerOnTopOfOursIsFoundByTheNext)
+{
+    testing::GTEST_FLAG(death_test_style) = "threadsafe";
+    InstallDefault(SIG_DFL);
+    EXPECT_EXIT(
+        {
+            VUKSimUttOSFile file;
+            OpenMapped(file, "a.sim");
+            Install(PassingHostHandler);
+            VUKSimUttOSFile second;
+            OpenMapped(second, "b.sim");
+            ::sigaction(SIGBUS, &previousOfHost, nullptr); // too late to be trusted
+            VUKSimUttOSFile third;
+            OpenMapped(third, "c.sim");
+            Install(HostHandler);
+            Empty("b.sim");
+            Empty("c.sim");
+            const bool byCall = ReadAt(second, 5000, 3).empty() && ReadAt(third, 5000, 3).empty();
+            std::exit(byCall && hostCalls == 0 ? 0 : 1);
         },
         testing::ExitedWithCode(0), "");
 }

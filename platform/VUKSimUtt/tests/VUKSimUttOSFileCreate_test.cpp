@@ -6,6 +6,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
@@ -110,6 +111,21 @@ TEST(OSFileCreateTemporary, LeavesAnotherFileThatTookItsName)
     EXPECT_TRUE(std::filesystem::exists(name));
 }
 
+TEST(OSFileCreateTemporary, LeavesAFileOfItsNumberOnAnotherDevice)
+{
+    const TemporaryFolder folder;
+    VUKSimUttOSFile file;
+    file.CreateTemporary(folder.File("scratch"));
+    const ScriptedSystemCalls calls; // puts the table back
+    VUKSimUttSystemCalls::Current().stat = [](const char* path, VUKSimUttFileStatus* status) {
+        const int result = ::stat(path, status);
+        ++status->st_dev;
+        return result;
+    };
+    file.Close();
+    EXPECT_EQ(folder.Count(), 1);
+}
+
 TEST(OSFileCreateTemporary, IsRemovedFromAnyWorkingFolder)
 {
     const TemporaryFolder folder;
@@ -169,6 +185,24 @@ TEST(OSFileCreateGenerated, NoTwoHaveTheSameName)
     }
     EXPECT_EQ(names.size(), 200U);
     EXPECT_EQ(folder.Count(), 200);
+}
+
+TEST(OSFileCreateGenerated, NamesDifferFromProcessToProcess)
+{
+    const TemporaryFolder folder;
+    VUKSimUttOSFile file;
+    const pid_t child = ::fork();
+    if (child == 0) {
+        file.CreateGenerated(folder.File("child"), ".sim", false);
+        ::_exit(0);
+    }
+    int status = -1;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    file.CreateGenerated(folder.File("parent"), ".sim", false);
+    const std::string unique =
+        std::string(file.FileName().UTF8()).substr(folder.Path("parent").size());
+    EXPECT_EQ(folder.Count(), 2);
+    EXPECT_FALSE(folder.Has("child" + unique));
 }
 
 TEST(OSFileCreateGenerated, StepsOverNamesInUse)

@@ -115,6 +115,19 @@ TEST(OSFileWriteFaults, TheEndFollowsTruncations)
     EXPECT_EQ(folder.Read("a.sim"), std::string("12\0a", 4));
 }
 
+TEST(OSFileWriteFaults, TheEndOfTheFileBeforeIsForgotten)
+{
+    const TemporaryFolder folder;
+    VUKSimUttOSFile file;
+    file.OpenUpdate(folder.Write("before.sim", "123456789"));
+    file.Close();
+    file.OpenWrite(folder.File("a.sim"));
+    ScriptedSystemCalls calls;
+    FailWriteAfter(calls, 4, ENOSPC);
+    EXPECT_THROW(file.WriteAtomic(0, "abcdefg", 7), VUKSimUttOSFileException);
+    EXPECT_EQ(folder.Read("a.sim"), "");
+}
+
 TEST(OSFileWriteFaults, BytesThatAnotherAppendedAreNotCutOff)
 {
     const TemporaryFolder folder;
