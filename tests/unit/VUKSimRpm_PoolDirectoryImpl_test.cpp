@@ -171,19 +171,17 @@ TEST_F(PoolDirectory, IsFilledOnce)
     EXPECT_EQ(mMap->Length(), 2);
 }
 
-// Another slot slips in behind the new one, between making it and listing it.
+// Another slot slips in before the new one, while the map grows for it.
 TEST_F(PoolDirectory, NoticesThatItsSlotIsNotTheLast)
 {
     static VUKSimRpm_PoolMap* map;
     static mem_Functions real;
     map = mMap.get();
     real = mem_CurrentFunctions();
-    mem_CurrentFunctions().allocate = [](std::size_t size) {
-        if (map->Length() == 1 && map->LookupByUUID(bytes::Uuid('a').c_str()) == 0) {
-            mem_CurrentFunctions() = real;
-            map->NewSlot(bytes::Uuid('b').c_str());
-        }
-        return real.allocate(size);
+    mem_CurrentFunctions().allocateZeroed = [](std::size_t size) {
+        mem_CurrentFunctions() = real;
+        map->NewSlot(bytes::Uuid('b').c_str());
+        return real.allocateZeroed(size);
     };
     EXPECT_TRUE(
         RaisesAssertion([&] { mDirectory.Init(true, mA.c_str()); }, "mySlot == len", kSource, 48));

@@ -4,17 +4,20 @@
 #include "VUKBasSharedPtr.h"
 #include "VUKBasVectorGeneric.h"
 
+#include <utility>
+
 /// A list whose copies share their elements until one of them changes ("copy on write").
 ///
-/// A value, cheap to copy. Lengths and indices are signed 64-bit. An operation that runs out of
-/// memory leaves the list as it was.
+/// A value, cheap to copy. A single element is kept in the list itself and needs no memory; more of
+/// them are in a block. Lengths and indices are signed 64-bit. An operation that runs out of memory
+/// leaves the list as it was.
 template <class T>
 class VUKBAS_EXPORT cow_List
 {
 public:
     cow_List() = default;
 
-    [[nodiscard]] long long Length() const noexcept { return mItems ? mItems->size() : 0; }
+    [[nodiscard]] long long Length() const noexcept { return mItems ? mItems->size() : mSingles; }
 
     /// \throws VUKBasRangeException with the index and the length when there is no such element.
     [[nodiscard]] const T& operator[](long long index) const
@@ -22,7 +25,7 @@ public:
         if (index < 0 || index >= Length()) [[unlikely]] {
             RaiseOutOfRange(index, Length());
         }
-        return (*mItems)[index];
+        return mItems ? (*mItems)[index] : mSingle;
     }
 
     /// Adds a copy of `item`, which may be one of this list's own elements.
@@ -30,11 +33,14 @@ public:
     {
         if (mItems.UseCount() == 1) {
             mItems->push_back(item);
-            return;
+        } else if (Length() == 0 && !mItems) {
+            mSingle = item;
+            mSingles = 1;
+        } else {
+            Items own = OwnItems(Length() + 1);
+            own->push_back(item);
+            Take(own);
         }
-        Items own = OwnItems(Length() + 1);
-        own->push_back(item);
-        mItems.swap(own);
     }
 
     /// Makes room for `count` elements in all.
@@ -42,10 +48,10 @@ public:
     {
         if (mItems.UseCount() == 1) {
             mItems->reserve(count);
-            return;
+        } else if (mItems || count > 1) {
+            Items own = OwnItems(count);
+            Take(own);
         }
-        Items own = OwnItems(count);
-        mItems.swap(own);
     }
 
 private:
@@ -63,10 +69,21 @@ private:
         Items own = VUKBasMakeShared<VUKBasVectorGeneric<T>>();
         own->reserve(count > Length() ? count : Length());
         for (long long i = 0; i < Length(); ++i) {
-            own->push_back((*mItems)[i]);
+            own->push_back((*this)[i]);
         }
         return own;
     }
 
-    Items mItems; // null in a list that never held anything; shared with copies
+    void Take(Items& own) noexcept
+    {
+        mItems.swap(own);
+        if (mSingles != 0) {
+            static_cast<void>(std::exchange(mSingle, T())); // with the memory it holds
+            mSingles = 0;
+        }
+    }
+
+    Items mItems;     // shared with copies; null in a list that never held more than one element
+    T mSingle{};      // the element of a list without a block
+    int mSingles = 0; // 1 while it is one, else 0
 };

@@ -33,6 +33,64 @@ TEST(CowList, IsEmptyAtFirstAndTakesNoMemory)
     EXPECT_EQ(watch.Allocations(), 0);
 }
 
+TEST(CowList, TakesNoMemoryForASingleElement)
+{
+    mem_Watch watch;
+    cow_List<int> list;
+    list.Reserve(1);
+    list.Append(10);
+    cow_List<int> copy;
+    copy = list;
+    EXPECT_EQ(copy.Length(), 1);
+    EXPECT_EQ(copy[0], 10);
+    EXPECT_EQ(watch.Allocations(), 0);
+}
+
+TEST(CowList, TakesItsSingleElementAlongIntoABlock)
+{
+    cow_List<int> list;
+    list.Append(10);
+    const cow_List<int> copy(list);
+    list.Append(20);
+    EXPECT_EQ(list.Length(), 2);
+    EXPECT_EQ(list[0], 10);
+    EXPECT_EQ(list[1], 20);
+    EXPECT_EQ(copy.Length(), 1);
+    EXPECT_EQ(copy[0], 10);
+    cow_List<int> reserved(copy);
+    reserved.Reserve(2);
+    EXPECT_EQ(reserved.Length(), 1);
+    EXPECT_EQ(reserved[0], 10);
+}
+
+TEST(CowList, RefusesAnIndexBesideItsSingleElement)
+{
+    cow_List<int> list;
+    list.Append(10);
+    for (const long long index : {-1LL, 1LL, LLONG_MAX}) {
+        try {
+            static_cast<void>(list[index]);
+            ADD_FAILURE() << "took " << index;
+        } catch (const VUKBasRangeException& exception) {
+            EXPECT_EQ(exception.Index(), index);
+            EXPECT_EQ(exception.Length(), 1);
+        }
+    }
+}
+
+TEST(CowList, GivesUpTheMemoryOfASingleElementThatItTookAlong)
+{
+    mem_Watch watch;
+    {
+        cow_List<VUKString> list;
+        list.Append("a text that is certainly too long for a string to hold in itself");
+        EXPECT_EQ(watch.Live(), 1);
+        list.Append("short");
+        EXPECT_EQ(watch.Live(), 3); // vector, elements, the one long text
+    }
+    EXPECT_EQ(watch.Live(), 0);
+}
+
 TEST(CowList, KeepsElementsInTheOrderOfAppending)
 {
     const cow_List<int> list = TenTwentyThirty();
@@ -158,6 +216,7 @@ TEST(CowList, StaysAsItWasWhereverMemoryRunsOut)
     // when all it holds are copied: each of these allocations fails once.
     cow_List<VUKString> list;
     list.Append("a text that is certainly too long for a string to hold in itself");
+    list.Append("short");
     int failures = 0;
     for (int n = 1;; ++n) {
         cow_List<VUKString> changed(list);
@@ -170,17 +229,42 @@ TEST(CowList, StaysAsItWasWhereverMemoryRunsOut)
             failed = true;
         }
         if (!failed) {
-            EXPECT_EQ(changed.Length(), 2);
+            EXPECT_EQ(changed.Length(), 3);
             changed = cow_List<VUKString>(); // frees under the watch what it allocated under it
             EXPECT_EQ(watch.Live(), 0);
             break;
         }
         ++failures;
-        EXPECT_EQ(changed.Length(), 1);
+        EXPECT_EQ(changed.Length(), 2);
         EXPECT_EQ(&changed[0], &list[0]);
         EXPECT_EQ(watch.Live(), 0);
     }
     EXPECT_EQ(failures, 5); // vector, elements, the old text, the new one twice (given, kept)
+}
+
+TEST(CowList, KeepsItsSingleElementWhereverMemoryRunsOut)
+{
+    int failures = 0;
+    for (int n = 1;; ++n) {
+        cow_List<VUKString> list;
+        list.Append("a text that is certainly too long for a string to hold in itself");
+        mem_Watch watch;
+        watch.FailAt(n);
+        bool failed = false;
+        try {
+            list.Append(list[0]);
+        } catch (const std::bad_alloc&) {
+            failed = true;
+        }
+        EXPECT_EQ(list.Length(), failed ? 1 : 2);
+        EXPECT_STREQ(list[0].UTF8(),
+                     "a text that is certainly too long for a string to hold in itself");
+        if (!failed) {
+            break;
+        }
+        ++failures;
+    }
+    EXPECT_EQ(failures, 4); // vector, elements, the text twice
 }
 
 TEST(CowList, StaysAsItWasWhenReservingFails)
