@@ -4,7 +4,9 @@
 #include "Failures.h"
 #include "FileFixture.h"
 #include "ScriptedSystemCalls.h"
+#include "Transfers.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cerrno>
@@ -13,6 +15,8 @@
 #include <vector>
 
 namespace {
+using testing::ElementsAre;
+
 constexpr char kPoolSource[] = "VUKSim/VUKSimRpm.m/src/VUKSimRpm_PoolImpl";
 constexpr char kDirectorySource[] = "VUKSim/VUKSimRpm.m/src/VUKSimRpm_PoolDirectoryImpl";
 
@@ -190,6 +194,43 @@ TEST_F(FileImplLoad, FindsAllocatedBytesUpToTheLastOneWritten)
     again.OpenUpdate(mFolder.File("a.sim"));
     EXPECT_EQ(again.Pool().lock()->DataLength(), 10U);
     EXPECT_EQ(ReadPool(*again.Pool().lock(), 0, 99), std::string("90\0\0\0\0\0\0\0!", 10));
+}
+
+// What it costs
+
+TEST_F(FileImplLoad, ReadsManySmallPoolsAPageAtATime)
+{
+    std::vector<bytes::Pool> pools;
+    for (int i = 0; i < 100; ++i) {
+        std::string uuid = bytes::Uuid('a');
+        uuid.replace(0, 3, std::to_string(100 + i));
+        pools.push_back(
+            {.length = "0000000000000336", .directory = {uuid}, .data = std::string(256, 'x')});
+    }
+    const VUKString name = mFolder.Write("a.sim", bytes::File(pools));
+    const ScriptedSystemCalls calls;
+    mFile.OpenRead(name);
+    EXPECT_EQ(mFile.PoolCount(), 100U);
+    EXPECT_THAT(Reads(calls),
+                ElementsAre(Transfer{0, 4096}, Transfer{4080, 4096}, Transfer{8400, 3888},
+                            Transfer{12432, 3952}, Transfer{16464, 4016}, Transfer{20496, 4080},
+                            Transfer{24576, 4096}, Transfer{28896, 3872}, Transfer{32928, 672}));
+}
+
+TEST_F(FileImplLoad, ReadsHeaderAndDirectoryOfALargePoolInOneCall)
+{
+    std::vector<bytes::Pool> pools;
+    for (const char letter : {'a', 'b', 'c'}) {
+        pools.push_back({.length = "0000000000005000",
+                         .directory = {bytes::Uuid(letter)},
+                         .data = std::string(4920, 'x')});
+    }
+    const VUKString name = mFolder.Write("a.sim", bytes::File(pools));
+    const ScriptedSystemCalls calls;
+    mFile.OpenRead(name);
+    EXPECT_EQ(mFile.PoolCount(), 3U);
+    EXPECT_THAT(Reads(calls),
+                ElementsAre(Transfer{0, 4096}, Transfer{5000, 80}, Transfer{10000, 80}));
 }
 
 // What cannot be loaded

@@ -11,6 +11,7 @@
 #include "VUKSimRpm_PoolDirectoryImpl.h"
 #include "VUKSimRpm_PoolImpl.h"
 #include "VUKSimRpm_PoolMap.h"
+#include "VUKSimRpm_ReadWindow.h"
 
 #include <algorithm>
 #include <limits>
@@ -198,7 +199,8 @@ VUKBasWeakPtr<VUKSimRpm_PoolImpl> VUKSimRpm_FileImpl::AppendPool(VUKSimRpm_PoolI
     CopyFrom(source, destination);
 
     mDirectoryBytes = mLogicalEnd;
-    const auto pool = LoadPool(destination);
+    VUKSimRpm_ReadWindow window(*this);
+    const auto pool = LoadPool(destination, window);
     FreezeCurrentPool();
     AddPool(pool);
     MakeCurrent(pool);
@@ -217,9 +219,10 @@ bool VUKSimRpm_FileImpl::ClaimDirectoryBytes(unsigned long long size) noexcept
 void VUKSimRpm_FileImpl::Load()
 {
     mDirectoryBytes = mLogicalEnd;
+    VUKSimRpm_ReadWindow window(*this);
     // Ends whatever lengths the pools claim: one that leads back meets its own open UUID.
     for (unsigned long long position = 0; position < mLogicalEnd;) {
-        const auto pool = LoadPool(position);
+        const auto pool = LoadPool(position, window);
         AddPool(pool);
         position += pool->Length();
     }
@@ -235,10 +238,11 @@ VUKBasSharedPtr<VUKSimRpm_PoolDirectoryImpl> VUKSimRpm_FileImpl::NewDirectory() 
     return VUKBasMakeShared<VUKSimRpm_PoolDirectoryImpl>(mDocument.PoolMap());
 }
 
-VUKBasSharedPtr<VUKSimRpm_PoolImpl> VUKSimRpm_FileImpl::LoadPool(unsigned long long position)
+VUKBasSharedPtr<VUKSimRpm_PoolImpl> VUKSimRpm_FileImpl::LoadPool(unsigned long long position,
+                                                                 VUKSimRpm_ReadWindow& window)
 {
     auto pool = VUKBasMakeShared<VUKSimRpm_PoolImpl>(*this, NewDirectory(), position);
-    pool->Load(mLogicalEnd);
+    pool->Load(mLogicalEnd, window);
     return pool;
 }
 

@@ -11,6 +11,7 @@
 class VUKSimRpm_DocumentImpl;
 class VUKSimRpm_PoolDirectoryImpl;
 class VUKSimRpm_PoolImpl;
+class VUKSimRpm_ReadWindow;
 
 /// One file of a document: a row of pools, laid end to end from position 0.
 ///
@@ -93,7 +94,8 @@ public:
 private:
     void Load();
     VUKBasSharedPtr<VUKSimRpm_PoolDirectoryImpl> NewDirectory() const;
-    VUKBasSharedPtr<VUKSimRpm_PoolImpl> LoadPool(unsigned long long position);
+    VUKBasSharedPtr<VUKSimRpm_PoolImpl> LoadPool(unsigned long long position,
+                                                 VUKSimRpm_ReadWindow& window);
     void DropEmptyCurrentPool();
     void FreezeCurrentPool();
     void AddPool(const VUKBasSharedPtr<VUKSimRpm_PoolImpl>& pool);

@@ -11,6 +11,7 @@
 #include "VUKSimRpm_FileImpl.h"
 #include "VUKSimRpm_PoolDirectoryImpl.h"
 #include "VUKSimRpm_PoolHeader.h"
+#include "VUKSimRpm_ReadWindow.h"
 #include "VUKSimUttUtils.h"
 
 #include <limits>
@@ -81,8 +82,14 @@ void VUKSimRpm_PoolImpl::Init()
 
 void VUKSimRpm_PoolImpl::Load(unsigned long long end)
 {
-    char header[kHeaderSize];
-    if (mFile.Read(mPosition, kHeaderSize, header) < kHeaderSize) {
+    VUKSimRpm_ReadWindow window(mFile);
+    Load(end, window);
+}
+
+void VUKSimRpm_PoolImpl::Load(unsigned long long end, VUKSimRpm_ReadWindow& window)
+{
+    const char* const header = window.Bytes(mPosition, kHeaderSize);
+    if (header == nullptr) {
         VUKSimExcCorruptHeader().Throw(kSource, at::kLoadShortHeader);
     }
     if (!VUKSimRpm_PoolHeader::HasSignature(header)) {
@@ -102,11 +109,12 @@ void VUKSimRpm_PoolImpl::Load(unsigned long long end)
     mLength = values.length == 0 ? end - mPosition : values.length;
     mReserved1 = values.reserved1;
     mReserved2 = values.reserved2;
-    LoadDirectory(values.directoryCount, end);
+    LoadDirectory(values.directoryCount, end, window);
     mHeaderSize = static_cast<unsigned int>(kHeaderSize + kEntrySize * values.directoryCount);
 }
 
-void VUKSimRpm_PoolImpl::LoadDirectory(unsigned int count, unsigned long long end)
+void VUKSimRpm_PoolImpl::LoadDirectory(unsigned int count, unsigned long long end,
+                                       VUKSimRpm_ReadWindow& window)
 {
     // Held against what the file has before anything is allocated: the count may be anything.
     const unsigned long long size = kEntrySize * count;
@@ -115,11 +123,11 @@ void VUKSimRpm_PoolImpl::LoadDirectory(unsigned int count, unsigned long long en
         !mFile.ClaimDirectoryBytes(size)) {
         VUKSimExcCorruptDirectory().Throw(kSource, at::kLoadShortDirectory);
     }
-    const VUKSimRpm_Buffer records(size);
-    if (mFile.Read(begin, size, records.Bytes()) < size) {
+    const char* const records = window.Bytes(begin, size);
+    if (records == nullptr) {
         VUKSimExcCorruptDirectory().Throw(kSource, at::kLoadShortDirectory);
     }
-    mDirectory->Load(records.Bytes(), static_cast<int>(count));
+    mDirectory->Load(records, static_cast<int>(count));
 }
 
 void VUKSimRpm_PoolImpl::Dump()

@@ -7,6 +7,7 @@
 
 class VUKSimRpm_FileImpl;
 class VUKSimRpm_PoolDirectoryImpl;
+class VUKSimRpm_ReadWindow;
 
 /// One pool of a file: a fixed header, the directory, and the data.
 ///
@@ -65,6 +66,9 @@ public:
     /// half filled then and to be discarded; slots made for its directory stay in the map.
     void Load(unsigned long long end);
 
+    /// The same, through a window on the file that the pools before were read through.
+    void Load(unsigned long long end, VUKSimRpm_ReadWindow& window);
+
     /// Writes header and directory: the length of an immutable pool, zero for the current one.
     /// \throws the file's errors.
     void Dump();
@@ -94,7 +98,7 @@ public:
     [[nodiscard]] VUKSimRpm_DirectLocator DirectLocator(unsigned long long offset) const;
 
 private:
-    void LoadDirectory(unsigned int count, unsigned long long end);
+    void LoadDirectory(unsigned int count, unsigned long long end, VUKSimRpm_ReadWindow& window);
 
     VUKSimRpm_FileImpl& mFile;
     VUKBasSharedPtr<VUKSimRpm_PoolDirectoryImpl> mDirectory;
