@@ -207,8 +207,8 @@ private:
 std::vector<OperationEntry> ImportOperations()
 {
     return {
-        Entry<ImportBehindData>("ImportBehindData", 8, 7),
-        Entry<ImportOfALongPool>("ImportOfALongPool", 8, 7),
-        Entry<ImportInPlaceOfAnEmptyPool>("ImportInPlaceOfAnEmptyPool", 8, 7),
+        Entry<ImportBehindData>("ImportBehindData", 7, 7),
+        Entry<ImportOfALongPool>("ImportOfALongPool", 7, 7),
+        Entry<ImportInPlaceOfAnEmptyPool>("ImportInPlaceOfAnEmptyPool", 7, 7),
     };
 }

@@ -252,10 +252,10 @@ private:
 std::vector<OperationEntry> PoolOperations()
 {
     return {
-        Entry<NewPoolBehindData>("NewPoolBehindData", 3, 6),
+        Entry<NewPoolBehindData>("NewPoolBehindData", 2, 6),
         Entry<NewPoolBehindAnUnwrittenTail>("NewPoolBehindAnUnwrittenTail", 4, 6),
-        Entry<NewPoolInPlaceOfAnEmptyOne>("NewPoolInPlaceOfAnEmptyOne", 3, 6),
-        Entry<NewPoolThatGrowsTheMap>("NewPoolThatGrowsTheMap", 3, 8),
+        Entry<NewPoolInPlaceOfAnEmptyOne>("NewPoolInPlaceOfAnEmptyOne", 2, 6),
+        Entry<NewPoolThatGrowsTheMap>("NewPoolThatGrowsTheMap", 2, 8),
         Entry<RoomInAPool>("RoomInAPool", 0, 0),
     };
 }

@@ -18,6 +18,7 @@ void FileImpl::OpenExisting(const std::string& name, bool readOnly)
 {
     mFile.OpenExisting(name, readOnly);
     mEnd = mFile.Size();
+    mWritten = mEnd;
     Load();
 }
 
@@ -86,6 +87,7 @@ void FileImpl::AppendPool(PoolImpl& source)
     mEnd = destination + source.length;
     if (Rules::Current().importCutsTheFile || mFile.Size() < mEnd) {
         mFile.Truncate(mEnd);
+        mWritten = mEnd;
     }
     std::string buffer(std::min(source.length, kCopiedAtOnce), '\0');
     for (std::uint64_t done = 0; done < source.length;) {
@@ -118,14 +120,16 @@ std::uint64_t FileImpl::DropEmptyPool()
     return position;
 }
 
-// The file gets its full length first: a pool with a length on disk has its bytes.
+// The file gets its full length first: a pool with a length on disk has its bytes. That another
+// document has made the file shorter meanwhile is not looked for.
 void FileImpl::FreezeCurrentPool()
 {
     if (!HasPool()) {
         return;
     }
-    if (mFile.Size() < mEnd) {
+    if (mWritten < mEnd && mFile.Size() < mEnd) {
         mFile.Truncate(mEnd);
+        mWritten = mEnd;
     }
     Current()->immutable = true;
     Current()->Dump();
@@ -189,7 +193,11 @@ std::uint64_t FileImpl::Write(std::uint64_t position, std::uint64_t length, cons
     if (ReadOnly()) {
         Raise("VUKSimExcWriteReadOnly", kSource, 255);
     }
-    return mFile.Write(position, length, buffer);
+    const std::uint64_t written = mFile.Write(position, length, buffer);
+    if (written > 0) {
+        mWritten = std::max(mWritten, position + written);
+    }
+    return written;
 }
 
 std::uint64_t FileImpl::WriteAnywhere(std::uint64_t position, std::uint64_t length,

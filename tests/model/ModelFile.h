@@ -57,6 +57,7 @@ private:
     std::vector<std::shared_ptr<PoolImpl>> mPools;
     int mCurrent = -1; // index of the pool that grows
     std::uint64_t mEnd = 0;
+    std::uint64_t mWritten = 0; // up to where this object knows that there are bytes
 };
 
 /// A handle on a file that may be closed.
