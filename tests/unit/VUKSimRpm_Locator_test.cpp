@@ -337,3 +337,31 @@ TEST_F(LocatorInAMap, WithoutAnOpenPoolCannotTellWhetherItIsReadOnly)
     map.reset();
     EXPECT_TRUE(Raises<Failure>([&] { (void)locator.ReadOnly(); }, kSource, 157));
 }
+
+TEST(Locator, TellsWhereItsByteLiesInTheFile)
+{
+    OnePool store("data"); // whose header takes 80 bytes
+    EXPECT_EQ(store.Start().FilePosition(), 80U);
+    EXPECT_EQ((store.Start() + 1000).FilePosition(), 1080U);
+    store.File().NewPool(true, nullptr);
+    EXPECT_EQ(store.File().Pool().Start().FilePosition(), 164U); // 84 and another header
+    EXPECT_EQ((store.Start() - 1).FilePosition(), 79U);
+}
+
+TEST(Locator, HasNoFilePositionWhileItsPoolIsNotOpen)
+{
+    OnePool store("data");
+    const Locator start = store.Start();
+    store.CloseFile();
+    EXPECT_EQ(start.FilePosition(), 0U);
+    store.Document().Close();
+    EXPECT_EQ(start.FilePosition(), 0U);
+    EXPECT_EQ(Locator().FilePosition(), 0U);
+}
+
+TEST_F(LocatorInAMap, HasNoFilePositionInASlotThatDoesNotExist)
+{
+    EXPECT_EQ(Locator(map, 2, 10, nullptr).FilePosition(), 0U);
+    EXPECT_EQ(Locator(map, -1, 10, nullptr).FilePosition(), 0U);
+    EXPECT_EQ(Locator(map, 0, 10, nullptr).FilePosition(), 0U); // which has no pool
+}

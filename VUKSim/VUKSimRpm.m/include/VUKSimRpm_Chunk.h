@@ -1,7 +1,6 @@
 #pragma once
 
 #include "VUKSimRpm_Buffer.h"
-#include "VUKSimRpm_Locator.h"
 
 /// The memory of a stream that buffers: made empty, allocated at most once, freed with it.
 ///
@@ -25,9 +24,9 @@ public:
     /// \throws std::bad_alloc, the chunk is empty then.
     void AllocateOnce();
 
-    /// Begins at the place in a page that the bytes at `place` have in the file, and moves the
+    /// Begins at the place in a page that the byte at `position` has in its file, and moves the
     /// `kept` bytes at `from` there. The memory must have been made.
-    void BeginAs(const VUKSimRpm_Locator& place, const char* from, unsigned long kept) noexcept;
+    void BeginAs(unsigned long long position, const char* from, unsigned long kept) noexcept;
 
 private:
     static constexpr unsigned long kSmallest = 16;

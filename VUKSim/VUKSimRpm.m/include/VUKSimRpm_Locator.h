@@ -7,7 +7,6 @@
 
 class VUKSimRpm_BStreamRead;
 class VUKSimRpm_BStreamWrite;
-class VUKSimRpm_Chunk;
 class VUKSimRpm_DirectLocator;
 class VUKSimRpm_MemoryPool;
 class VUKSimRpm_PoolDirectoryImpl;
@@ -98,6 +97,10 @@ public:
     /// "0 == mIMPool" for a locator with a memory pool; VUKSimExcCantDerefLocator as Directory.
     [[nodiscard]] VUKSimRpm_DirectLocator DirectLocator() const;
 
+    /// The position of this byte in its file, for now; 0 while the pool is not open. Long transfers
+    /// are fastest from and to memory whose address agrees with it modulo 4,096.
+    [[nodiscard]] unsigned long long FilePosition() const noexcept;
+
     /// Copies up to `length` bytes into `buffer` and returns how many. Past the end of the file or
     /// of the memory pool the count is short and the rest of `buffer` is left as it was.
     /// \throws VUKSimExcCantDerefLocator when the pool is not open; VUKBasAssertException
@@ -128,7 +131,6 @@ public:
     void InternalizeImpl(VUKSimRpm_BStreamRead& stream);
 
 private:
-    friend class VUKSimRpm_Chunk;
     friend class VUKSimRpm_MemoryPool;
 
     // Apart, so that plain reads and writes carry nothing of them.
@@ -136,7 +138,6 @@ private:
     [[gnu::noinline]] unsigned long WriteThroughImage(unsigned long length,
                                                       const char* buffer) const;
     [[nodiscard]] VUKSimRpm_PoolImpl& Resolve(int line) const;
-    [[nodiscard]] unsigned long long FilePosition() const noexcept;
 
     VUKBasWeakPtr<VUKSimRpm_PoolMap> mMap;   // empty in a default locator
     int mSlot = -1;                          // in mMap; negative names no pool

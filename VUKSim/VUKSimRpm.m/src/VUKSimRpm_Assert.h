@@ -30,6 +30,13 @@
         }                                                                                          \
     } while (false)
 
+// For a condition that was found false already, where what follows must not be reached.
+#define VUKSIMRPM_FAIL_ASSERTION(condition, source, line)                                          \
+    do {                                                                                           \
+        VUKSimUttAssert::ReportAssertionFailure(#condition, source, line);                         \
+        VUKSimRpm_EndCheck((condition), #condition, source, line);                                 \
+    } while (false)
+
 #define VUKSIMRPM_ASSERT(condition, source, line)                                                  \
     VUKSIMRPM_CHECK_(ReportAssertionFailure, (condition), #condition, source, line)
 

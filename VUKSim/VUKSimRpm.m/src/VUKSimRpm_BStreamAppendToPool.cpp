@@ -111,6 +111,6 @@ void VUKSimRpm_BStreamAppendToPool::ExtendAndWrite(const char* source, unsigned 
 // An empty chunk for the bytes that come next.
 void VUKSimRpm_BStreamAppendToPool::BeginChunk()
 {
-    mChunk.BeginAs(mExpectedEnd, nullptr, 0);
+    mChunk.BeginAs(mExpectedEnd.FilePosition(), nullptr, 0);
     mNext = mChunk.Begin();
 }

@@ -81,7 +81,7 @@ void VUKSimRpm_BStreamReadLocator::ReadAhead()
     const unsigned long kept = Held();
     const unsigned long consumed = Consumed();
     mChunk.AllocateOnce();
-    mChunk.BeginAs(mStart + (mBase + consumed), mNext, kept);
+    mChunk.BeginAs((mStart + (mBase + consumed)).FilePosition(), mNext, kept);
     mBase += consumed;
     Hold(kept);
     Hold(kept + (mStart + (mBase + kept)).Read(mChunk.Size() - kept, mChunk.Begin() + kept));

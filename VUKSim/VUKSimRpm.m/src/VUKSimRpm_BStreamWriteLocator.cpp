@@ -111,7 +111,7 @@ void VUKSimRpm_BStreamWriteLocator::WriteElsewhere(const char* source, unsigned 
 // An empty chunk for the bytes from mBase on.
 void VUKSimRpm_BStreamWriteLocator::BeginChunk()
 {
-    mChunk.BeginAs(mStart + mBase, nullptr, 0);
+    mChunk.BeginAs((mStart + mBase).FilePosition(), nullptr, 0);
     mNext = mChunk.Begin();
     mStop = mNext + VUKSimRpm_StreamLimits::Allowed(mBase, mChunk.Size(), mLimit);
 }

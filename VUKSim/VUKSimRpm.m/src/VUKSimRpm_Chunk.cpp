@@ -11,12 +11,12 @@ void VUKSimRpm_Chunk::AllocateOnce()
     }
 }
 
-void VUKSimRpm_Chunk::BeginAs(const VUKSimRpm_Locator& place, const char* from,
+void VUKSimRpm_Chunk::BeginAs(unsigned long long position, const char* from,
                               unsigned long kept) noexcept
 {
     if (mSize >= kSmallestThatMoves) {
         const auto memory = reinterpret_cast<std::uintptr_t>(mMemory.Bytes());
-        mBegin = mMemory.Bytes() + (place.FilePosition() - memory) % kPage;
+        mBegin = mMemory.Bytes() + (position - memory) % kPage;
     }
     if (kept > 0) {
         std::memmove(mBegin, from, kept);

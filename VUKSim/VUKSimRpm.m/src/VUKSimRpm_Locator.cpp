@@ -192,7 +192,6 @@ void VUKSimRpm_Locator::InternalizeImpl(VUKSimRpm_BStreamRead& stream)
     mIMPool = pool;
 }
 
-// Where the byte lies in its file now; 0 while its pool is not open.
 unsigned long long VUKSimRpm_Locator::FilePosition() const noexcept
 {
     const VUKSimRpm_PoolMap* const map = mMap.Borrow();

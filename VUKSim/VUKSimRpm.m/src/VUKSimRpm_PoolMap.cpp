@@ -5,7 +5,6 @@
 #include "VUKSimRpm_Assert.h"
 #include "VUKSimRpm_PoolImpl.h"
 
-#include <cstdlib>
 #include <new>
 
 namespace {
@@ -165,6 +164,5 @@ const VUKSimRpm_PoolMap::Item& VUKSimRpm_PoolMap::Checked(int slot, int negative
 void VUKSimRpm_PoolMap::Refuse(int slot, int negative, int beyondEnd) const
 {
     VUKSIMRPM_ASSERT(slot >= 0, kSource, negative);
-    VUKSIMRPM_ASSERT(slot < mItemList.size(), kSource, beyondEnd);
-    std::exit(1); // the list has changed under our feet, as when a check holds at its second look
+    VUKSIMRPM_FAIL_ASSERTION(slot < mItemList.size(), kSource, beyondEnd);
 }
