@@ -46,9 +46,7 @@ public:
 
     [[nodiscard]] bool Answers(const Hit& hit, const VUKBasException& raised) const override
     {
-        return hit.Ends() && (hit.made.length == 48
-                                  ? IsFrom(raised, "VUKSimExcCorruptHeader", kPoolSource, 78)
-                                  : IsFrom(raised, "VUKSimExcCorruptDirectory", kPoolSource, 106));
+        return hit.Ends() && IsFrom(raised, "VUKSimExcCorruptHeader", kPoolSource, 78);
     }
 
     // A failed attempt leaves file and document alone, but for slots without pools.
@@ -85,6 +83,43 @@ class AddAFileForReading : public AddAFile
 {
 public:
     AddAFileForReading() : AddAFile(VUKSimRpm_Document::Read) {}
+};
+
+// Adds a file whose second pool lies far behind the first, at 8,080: its header is read with one
+// entry of its directory, the rest by itself.
+class AddAFileOfDistantPools : public Operation
+{
+public:
+    void Run() override { mFile = mDocument.AddFile(mName, VUKSimRpm_Document::Read); }
+
+    [[nodiscard]] bool Answers(const Hit& hit, const VUKBasException& raised) const override
+    {
+        return hit.Ends() && (hit.made.position == 8128
+                                  ? IsFrom(raised, "VUKSimExcCorruptDirectory", kPoolSource, 106)
+                                  : IsFrom(raised, "VUKSimExcCorruptHeader", kPoolSource, 78));
+    }
+
+    void Check(const Outcome& outcome, Complaints& complaints) override
+    {
+        complaints.Same(mFile.has_value(), !outcome.failed, "whether it was added");
+        Run();
+        complaints.Same(mFile->PoolCount(), 2U, "the number of pools");
+        complaints.Same(DataOf(mFile->Pool(0)) == Letters(8000), true, "the first pool's data");
+        complaints.Same(DataOf(mFile->Pool(1)), "far away", "the second pool's data");
+    }
+
+private:
+    static std::string Bytes()
+    {
+        return bytes::File(
+            {{.length = "0000000000008080", .directory = {bytes::Uuid('a')}, .data = Letters(8000)},
+             {.directory = {bytes::Uuid('b'), bytes::Uuid('a'), kC}, .data = "far away"}});
+    }
+
+    TemporaryFolder mFolder;
+    const VUKString mName = mFolder.Write("a.sim", Bytes());
+    VUKSimRpm_Document mDocument{"TEST"};
+    std::optional<VUKSimRpm_File> mFile;
 };
 
 // A file that is open comes back as it is, under another name too. Where that cannot be looked up
@@ -280,8 +315,9 @@ std::vector<OperationEntry> DocumentOperations()
 {
     return {
         Entry<MakeADocument>("MakeADocument", 0, 2),
-        Entry<AddAFileForUpdate>("AddAFileForUpdate", 11, 10),
-        Entry<AddAFileForReading>("AddAFileForReading", 10, 10),
+        Entry<AddAFileForUpdate>("AddAFileForUpdate", 8, 10),
+        Entry<AddAFileForReading>("AddAFileForReading", 7, 10),
+        Entry<AddAFileOfDistantPools>("AddAFileOfDistantPools", 7, 11),
         Entry<AddAFileAgain>("AddAFileAgain", 2, 0),
         Entry<AddAFileForWriting>("AddAFileForWriting", 5, 8),
         Entry<AddAFileForWritingOverAnother>("AddAFileForWritingOverAnother", 8, 8),

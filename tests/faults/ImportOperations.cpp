@@ -36,9 +36,7 @@ public:
         if (hit.file.ends_with("s.sim")) {
             return IsFrom(raised, "VUKSimExcShortPool", kFileSource, 190);
         }
-        return hit.made.length == 48
-                   ? IsFrom(raised, "VUKSimExcCorruptHeader", kPoolSource, 78)
-                   : IsFrom(raised, "VUKSimExcCorruptDirectory", kPoolSource, 106);
+        return IsFrom(raised, "VUKSimExcCorruptHeader", kPoolSource, 78);
     }
 
 protected:
@@ -207,8 +205,8 @@ private:
 std::vector<OperationEntry> ImportOperations()
 {
     return {
-        Entry<ImportBehindData>("ImportBehindData", 7, 7),
-        Entry<ImportOfALongPool>("ImportOfALongPool", 7, 7),
-        Entry<ImportInPlaceOfAnEmptyPool>("ImportInPlaceOfAnEmptyPool", 7, 7),
+        Entry<ImportBehindData>("ImportBehindData", 6, 7),
+        Entry<ImportOfALongPool>("ImportOfALongPool", 6, 7),
+        Entry<ImportInPlaceOfAnEmptyPool>("ImportInPlaceOfAnEmptyPool", 6, 6),
     };
 }

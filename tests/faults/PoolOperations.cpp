@@ -254,7 +254,7 @@ std::vector<OperationEntry> PoolOperations()
     return {
         Entry<NewPoolBehindData>("NewPoolBehindData", 2, 6),
         Entry<NewPoolBehindAnUnwrittenTail>("NewPoolBehindAnUnwrittenTail", 4, 6),
-        Entry<NewPoolInPlaceOfAnEmptyOne>("NewPoolInPlaceOfAnEmptyOne", 2, 6),
+        Entry<NewPoolInPlaceOfAnEmptyOne>("NewPoolInPlaceOfAnEmptyOne", 2, 5),
         Entry<NewPoolThatGrowsTheMap>("NewPoolThatGrowsTheMap", 2, 8),
         Entry<RoomInAPool>("RoomInAPool", 0, 0),
     };

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr int kLeastPoints = 6000; // of a whole run
+constexpr int kLeastPoints = 5800; // of a whole run
 
 // Behind all tests: the counts, and that a whole run tried enough.
 class FaultReport : public testing::Environment
