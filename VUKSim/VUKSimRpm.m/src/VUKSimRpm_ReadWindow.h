@@ -36,5 +36,5 @@ private:
     unsigned long long mBegin = 0; // of what is held, in the file
     unsigned long mSize = 0;       // of what is held
     VUKSimRpm_Buffer mLong;        // for a directory of more than a page
-    char mHeld[kPage];
+    char mHeld[kPage] = {};
 };
