@@ -1,5 +1,7 @@
 #include "VUKSimRpm_Swapper.h"
 
+#include "TemporaryFolder.h"
+
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -7,6 +9,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -110,6 +116,24 @@ TEST(SwapperDeathTest, AbortsOnASizeThatIsNotStored)
         EXPECT_EXIT(VUKSimRpm_Swapper::ExternalizeScalarUnsafe(stored, item, size),
                     testing::KilledBySignal(SIGABRT), kSaid);
     }
+}
+
+TEST(SwapperDeathTest, SaysNothingButOneLineBeforeItAborts)
+{
+    const TemporaryFolder folder;
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::dup2(::open(folder.Path("said").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600), 2);
+        std::signal(SIGABRT, [](int) { ::_exit(3); });
+        char stored[16] = {};
+        char item[16] = {};
+        VUKSimRpm_Swapper::InternalizeScalarUnsafe(stored, item, 3);
+        ::_exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(WEXITSTATUS(status), 3);
+    EXPECT_EQ(folder.Read("said"), "Illegal swap size.\n"); // a zero byte would be seen, too
 }
 
 TEST(SwapperDeathTest, AbortsByASignalThatTheHostMayAnswer)

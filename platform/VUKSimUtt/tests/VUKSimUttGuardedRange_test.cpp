@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "OSFileSupport.h"
+#include "ScriptedSystemCalls.h"
 #include "TemporaryFolder.h"
 #include "VUKSimUttOSFile.h"
 
@@ -221,6 +222,25 @@ TEST_F(Handlers, WhileAFileIsMappedAHandlerOnTopOfOursIsFoundByTheNext)
             Empty("c.sim");
             const bool byCall = ReadAt(second, 5000, 3).empty() && ReadAt(third, 5000, 3).empty();
             std::exit(byCall && hostCalls == 0 ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
+TEST_F(Handlers, AHandlerOnTopOfOursThatTheLastFileFoundIsNotForgotten)
+{
+    testing::GTEST_FLAG(death_test_style) = "threadsafe";
+    InstallDefault(SIG_DFL);
+    EXPECT_EXIT(
+        {
+            VUKSimUttOSFile file;
+            OpenMapped(file, "a.sim");
+            Install(PassingHostHandler);
+            file.Close();
+            ::sigaction(SIGBUS, &previousOfHost, nullptr); // too late to be trusted
+            VUKSimUttOSFile later;
+            const ScriptedSystemCalls calls;
+            OpenMapped(later, "b.sim");
+            std::exit(calls.Count(SystemCall::Pread) == 1 ? 0 : 1);
         },
         testing::ExitedWithCode(0), "");
 }

@@ -36,6 +36,24 @@ TEST(OSFileEnd, AReadBehindTheEndLastSeenTellsHowLongTheFileHasBecome)
     EXPECT_EQ(calls.Count(SystemCall::Pread), 0);
 }
 
+TEST(OSFileEnd, WhatCouldNotBeMappedIsForgottenWhenTheFileIsClosed)
+{
+    const TemporaryFolder folder;
+    const VUKString name = folder.Write("a.sim", std::string(131072, 'x'));
+    VUKSimUttOSFile file;
+    file.OpenRead(name);
+    {
+        ScriptedSystemCalls calls;
+        calls.FailAlways(SystemCall::Mmap, ENOMEM);
+        ASSERT_EQ(ReadAt(file, 0, 1), "x");
+    }
+    file.Close();
+    file.OpenRead(name);
+    const ScriptedSystemCalls calls;
+    EXPECT_EQ(ReadAt(file, 0, 1), "x");
+    EXPECT_EQ(calls.Count(SystemCall::Mmap), 1);
+}
+
 TEST(OSFileEnd, TheLargestSizeOfAllIsLeftToTheSystemToRefuse)
 {
     const TemporaryFolder folder;
