@@ -2,6 +2,7 @@
 
 #include "omi_gettimeofday.h"
 
+#include <bit>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -29,6 +30,14 @@ long Draw()
     setstate(previous);
     return value;
 }
+
+// Eight characters as a number that orders as they do, on every host: the first weighs most.
+std::uint64_t Weight(const char* text) noexcept
+{
+    std::uint64_t weight = 0;
+    std::memcpy(&weight, text, sizeof weight);
+    return std::endian::native == std::endian::little ? __builtin_bswap64(weight) : weight;
+}
 } // namespace
 
 const char* VUKSimRpm_UUID::mTestForceUUID = nullptr;
@@ -40,7 +49,16 @@ VUKSimRpm_UUID::VUKSimRpm_UUID(const char* text) noexcept
 
 bool VUKSimRpm_UUID::Less(const VUKSimRpm_UUID& that) const noexcept
 {
-    return std::memcmp(mText, that.mText, kLength) < 0;
+    // Eight at a time; the first eight nearly always tell.
+    static_assert(kLength % 8 == 0);
+    for (int i = 0; i < kLength; i += 8) {
+        const std::uint64_t mine = Weight(mText + i);
+        const std::uint64_t other = Weight(that.mText + i);
+        if (mine != other) {
+            return mine < other;
+        }
+    }
+    return false;
 }
 
 void VUKSimRpm_UUID::CreateUUID(char* text)
