@@ -6,6 +6,8 @@
 # vuksim_add_test_program(<name> SOURCES <files> [LIBRARIES <targets>] [INCLUDES <folders>])
 # makes a GoogleTest program that has a main of its own and registers nothing.
 #
+# Both take LONG for tests that work for seconds: these are worth some optimisation.
+#
 # vuksim_add_program_test(<test> <target>)
 # runs a program without arguments in an empty folder; it must end with 0.
 include(GoogleTest)
@@ -21,19 +23,28 @@ endif()
 # The optimiser and full debug information take longer over tests than over all they test, to no use:
 # a preset may say what to do for them instead.
 set(VUKSIM_TEST_OPTIONS "" CACHE STRING "Compiler options for tests, behind those of the build type")
+set(VUKSIM_LONG_TEST_OPTIONS "" CACHE STRING "Compiler options behind them for tests that work for seconds")
 
 option(VUKSIM_SLOW_BUILD "What is built runs many times slower: the longest tests do a part of their work"
     OFF)
 
-# GoogleTest's headers are by far the largest that a test includes: they are compiled once for all.
-add_library(vuksim_test_headers OBJECT "${CMAKE_CURRENT_LIST_DIR}/test_headers.cpp")
-target_compile_features(vuksim_test_headers PRIVATE cxx_std_20)
-target_precompile_headers(vuksim_test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
-target_link_libraries(vuksim_test_headers PRIVATE GTest::gmock GTest::gtest)
-# -Wpedantic changes a predefined macro: without it the compiled headers would not fit the tests.
-vuksim_warnings(vuksim_test_headers)
-target_compile_options(vuksim_test_headers PRIVATE ${VUKSIM_TEST_OPTIONS})
-set_property(TARGET vuksim_test_headers PROPERTY CXX_CLANG_TIDY "")
+# GoogleTest's headers are by far the largest that a test includes: they are compiled once for all
+# tests of the same options.
+function(vuksim_compile_test_headers name)
+    add_library(${name} OBJECT "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/test_headers.cpp")
+    target_compile_features(${name} PRIVATE cxx_std_20)
+    target_precompile_headers(${name} PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
+    target_link_libraries(${name} PRIVATE GTest::gmock GTest::gtest)
+    # -Wpedantic changes a predefined macro: without it the compiled headers would not fit the tests.
+    vuksim_warnings(${name})
+    target_compile_options(${name} PRIVATE ${ARGN})
+    set_property(TARGET ${name} PROPERTY CXX_CLANG_TIDY "")
+endfunction()
+vuksim_compile_test_headers(vuksim_test_headers ${VUKSIM_TEST_OPTIONS})
+if(VUKSIM_LONG_TEST_OPTIONS)
+    vuksim_compile_test_headers(vuksim_long_test_headers
+        ${VUKSIM_TEST_OPTIONS} ${VUKSIM_LONG_TEST_OPTIONS})
+endif()
 
 # Tests are looked over for names and a few cheap mistakes only: each check walks through all of
 # GoogleTest in every file, and the full list would take minutes, to no finding.
@@ -43,12 +54,17 @@ set(checks_for_tests ${CMAKE_CXX_CLANG_TIDY}
 option(VUKSIM_TIDY_TESTS "Let clang-tidy, where it runs, look at the tests too" OFF)
 
 function(vuksim_add_test_program name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES;INCLUDES")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "LONG" "" "SOURCES;LIBRARIES;INCLUDES")
     add_executable(${name} ${arg_SOURCES})
     target_compile_features(${name} PRIVATE cxx_std_20)
     target_compile_options(${name} PRIVATE ${VUKSIM_TEST_OPTIONS})
     target_include_directories(${name} PRIVATE ${arg_INCLUDES})
-    target_precompile_headers(${name} REUSE_FROM vuksim_test_headers)
+    if(arg_LONG AND VUKSIM_LONG_TEST_OPTIONS)
+        target_compile_options(${name} PRIVATE ${VUKSIM_LONG_TEST_OPTIONS})
+        target_precompile_headers(${name} REUSE_FROM vuksim_long_test_headers)
+    else()
+        target_precompile_headers(${name} REUSE_FROM vuksim_test_headers)
+    endif()
     target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} GTest::gmock GTest::gtest)
     vuksim_warnings(${name})
     if(NOT VUKSIM_TIDY_TESTS)
