@@ -5,6 +5,13 @@ set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 jobs=$(nproc)
 
+# The programs that test library and platform themselves: not the inspector, not the examples, and not
+# what only repeats the library's work a million times.
+# shellcheck disable=SC2034 # for those who source this
+library_tests=(VUKBasAlloc_test VUKBasCoreUtils_test VUKBasGenericsLib_test VUKBasShared_test
+    VUKSimContainers_test VUKSimExc_test VUKSimUtt_test platform_contract_tests unit_tests
+    replaced_platform_tests format_tests scenario_tests fault_tests)
+
 heading() { printf '\n== %s\n' "$*"; }
 
 no_arguments() { # COMMAND ARGUMENT...
