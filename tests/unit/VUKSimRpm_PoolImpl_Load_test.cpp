@@ -120,6 +120,23 @@ TEST_F(PoolLoad, TakesCharactersThatCancelOutForALengthOfZero)
     EXPECT_EQ(LengthFor("00000000000000/:"), 84U); // -10 + 10: up to the end of the file
 }
 
+TEST_F(PoolLoad, GrowsFromALengthThatEndsBehind64BitsAsFromAnyOther)
+{
+    const bytes::Pool stored{
+        .length = "000000000000000/", .directory = {bytes::Uuid('p')}, .data = "data"};
+    mFile.OpenUpdate(mFolder.Write("a.sim", mOuter.Bytes() + stored.Bytes()));
+    Load();
+    mPool.SetImmutable(false);
+    EXPECT_EQ(mPool.Length(), 18446744073709551615ULL); // ends at byte 79
+    EXPECT_EQ(mPool.Allocate(0), LocatorTo(1, 18446744073709551535ULL));
+    EXPECT_EQ(mPool.Allocate(91), LocatorTo(1, 18446744073709551535ULL));
+    EXPECT_EQ(mPool.Length(), 90U); // ends at byte 170
+    EXPECT_EQ(mFile.LogicalEnd(), 170U);
+    EXPECT_TRUE(RaisesIOBounds([&] { mPool.Allocate(18446744073709551446ULL); }, 10,
+                               18446744073709551456ULL, 10, kSource, 168));
+    EXPECT_EQ(mPool.Allocate(18446744073709551445ULL), LocatorTo(1, 10));
+}
+
 // What is refused, in the order of the checks
 
 TEST_F(PoolLoad, RefusesAHeaderOfFewerThan48Bytes)

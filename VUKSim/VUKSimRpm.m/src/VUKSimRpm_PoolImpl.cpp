@@ -149,8 +149,9 @@ VUKSimRpm_Locator VUKSimRpm_PoolImpl::Allocate(unsigned long long n)
         VUKSimExcImmutablePool().Throw(kSource, at::kAllocateImmutable);
     }
     const unsigned long long oldDataLength = DataLength();
-    const unsigned long long room = std::numeric_limits<unsigned long long>::max() - mLength;
-    if (n > room || mPosition > room - n) {
+    // A length that was read from a damaged header may end behind 2^64 already, and counts from 0.
+    const unsigned long long end = mPosition + mLength;
+    if (n > std::numeric_limits<unsigned long long>::max() - end) {
         VUKSimExcIOBounds(oldDataLength, oldDataLength + n, oldDataLength)
             .Throw(kSource, at::kAllocateWraps);
     }
