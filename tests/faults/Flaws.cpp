@@ -62,6 +62,7 @@ std::vector<int> ErrorsOf(const Made& made)
     case SystemCall::Mmap:
         return {ENOMEM, ENODEV, EACCES, EAGAIN};
     case SystemCall::Munmap:
+    case SystemCall::Madvise:
         return {ENOMEM};
     case SystemCall::Sigaction:
         return {EINVAL};
@@ -109,9 +110,10 @@ std::vector<Flaw> FlawsOf(const Made& made)
 
 const char* NameOf(SystemCall call)
 {
-    constexpr const char* kNames[] = {
-        "open",      "close", "fcntl",  "pread",  "pwrite", "ftruncate", "fstat",  "stat",
-        "fdatasync", "fsync", "syncfs", "unlink", "getcwd", "mmap",      "munmap", "sigaction"};
+    constexpr const char* kNames[] = {"open",      "close",    "fcntl",  "pread",     "pwrite",
+                                      "ftruncate", "fstat",    "stat",   "fdatasync", "fsync",
+                                      "syncfs",    "unlink",   "getcwd", "mmap",      "munmap",
+                                      "madvise",   "sigaction"};
     return kNames[static_cast<int>(call)];
 }
 } // namespace

@@ -107,6 +107,7 @@ std::optional<Failure> FailureOf(const Operation& operation, const Hit& hit)
         return {};
     case SystemCall::Mmap:
     case SystemCall::Munmap:
+    case SystemCall::Madvise:
     case SystemCall::Sigaction:
         return {}; // calls do what a map would have done
     }

@@ -33,6 +33,7 @@ enum class SystemCall
     Getcwd,
     Mmap,
     Munmap,
+    Madvise,
     Sigaction
 };
 
@@ -264,6 +265,13 @@ private:
                     const Made made{.call = SystemCall::Munmap};
                     return Answer(made, -1,
                                   [=](Table t, std::size_t) { return t.munmap(address, length); });
+                },
+            .madvise =
+                [](void* address, std::size_t length, int advice) {
+                    const Made made{.call = SystemCall::Madvise};
+                    return Answer(made, -1, [=](Table t, std::size_t) {
+                        return t.madvise(address, length, advice);
+                    });
                 },
             .sigaction =
                 [](int signal, const struct sigaction* action, struct sigaction* previous) {

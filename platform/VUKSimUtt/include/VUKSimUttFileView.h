@@ -39,7 +39,7 @@ public:
     /// Puts bytes in the place of covered ones of a view that was mapped as writable. False when
     /// pages were gone: the bytes may then not have reached the file.
     [[nodiscard]] bool Write(unsigned long long position, const char* buffer,
-                             unsigned long length) const noexcept;
+                             unsigned long length) noexcept;
 
     /// Up to so many bytes are copied without a call.
     static constexpr unsigned long kShort = VUKSimUttShortCopy::kLongest;
@@ -55,8 +55,9 @@ public:
 
     /// As Write, for up to kShort bytes.
     [[nodiscard]] bool WriteShort(unsigned long long position, const char* buffer,
-                                  unsigned long length) const noexcept
+                                  unsigned long length) noexcept
     {
+        CountWrite();
         return Intact() &&
                VUKSimUttShortCopy::MoveIf(mBytes + position, buffer, length, [] { return true; }) &&
                Intact();
@@ -76,10 +77,23 @@ public:
     /// Whether pages of the map were gone.
     [[nodiscard]] bool Lost() const noexcept { return mRange.Lost(); }
 
+    /// To be told when the file was synced: first writes to each page cost more from then on. What
+    /// is covered, and its bytes, stay the same.
+    void Synced() noexcept { BeginCount(); }
+
     /// Ends the view; nothing is covered after it.
     void Drop() noexcept;
 
 private:
+    void CountWrite() noexcept
+    {
+        if (--mWritesLeft == 0) [[unlikely]] {
+            TakeOutPages();
+        }
+    }
+    void BeginCount() noexcept;
+    void TakeOutPages() noexcept;
+
     [[nodiscard]] bool Intact() const noexcept
     {
         // One copy before the watch or behind it, the verdict behind both.
@@ -93,6 +107,7 @@ private:
     unsigned long long mEnd = 0;           // of what is covered
     const volatile char* mWatch = nullptr; // the page at mEnd
     std::size_t mMapped = 0;               // bytes of the map, which may lead beyond the file
+    unsigned long long mWritesLeft = 0;    // until the pages are taken out of the map
     VUKSimUttGuardedRange mRange;
     // What the watch held. Kept, since memory checkers that translate a program leave out loads
     // whose value nobody uses.

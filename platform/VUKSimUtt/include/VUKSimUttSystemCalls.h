@@ -35,6 +35,7 @@ struct VUKBAS_EXPORT VUKSimUttSystemCalls
     void* (*mmap)(void* address, std::size_t length, int protection, int flags, int descriptor,
                   off_t position);
     int (*munmap)(void* address, std::size_t length);
+    int (*madvise)(void* address, std::size_t length, int advice);
     int (*sigaction)(int signal, const struct sigaction* action, struct sigaction* previous);
 
     /// The table in force; it starts as `System()`. Whoever replaces a member puts it back.

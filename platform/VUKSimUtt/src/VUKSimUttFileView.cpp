@@ -16,6 +16,10 @@ constexpr unsigned long long kSmallestMapped = 65536; // bytes
 // A map leads twice as far as the file, so that a file that grows is seldom mapped again.
 constexpr unsigned long long kGrowth = 2;
 
+// Pages are taken out of the map when there was a write, since the last sync, to each so many.
+constexpr unsigned long long kPagesToAWrite = 32;
+constexpr unsigned long long kFewestWrites = 16;
+
 // Address space is 47 bits wide; a file of a petabyte gets no map.
 constexpr unsigned long long kLargestMapped = 1ULL << 45;
 
@@ -58,6 +62,7 @@ bool VUKSimUttFileView::Map(int descriptor, bool writable, unsigned long long si
     mBytes = static_cast<char*>(bytes);
     mMapped = length;
     Follow(size);
+    BeginCount();
     return true;
 }
 
@@ -72,8 +77,9 @@ bool VUKSimUttFileView::Read(unsigned long long position, char* buffer,
 }
 
 bool VUKSimUttFileView::Write(unsigned long long position, const char* buffer,
-                              unsigned long length) const noexcept
+                              unsigned long length) noexcept
 {
+    CountWrite();
     if (!Intact()) {
         return false;
     }
@@ -92,6 +98,21 @@ bool VUKSimUttFileView::WouldCover(unsigned long long size, unsigned long long p
 {
     const unsigned long long end = CoveredEnd(size);
     return position < end && length <= end - position;
+}
+
+void VUKSimUttFileView::BeginCount() noexcept
+{
+    mWritesLeft = std::max(kFewestWrites, mEnd / PageSize() / kPagesToAWrite);
+}
+
+// The system lets the first write to a page that is in the map for reading, as all are behind a
+// sync, look at all blocks of the page's folio, which may be hundreds: some microseconds for each
+// page. A page that is not in the map comes back with its folio, ready to be written to. To take
+// all out costs as much as some thousand such writes in 256 MiB, so that it is done when as many
+// were seen, once.
+void VUKSimUttFileView::TakeOutPages() noexcept
+{
+    static_cast<void>(Calls().madvise(mBytes, mMapped, MADV_DONTNEED)); // else they stay
 }
 
 void VUKSimUttFileView::Drop() noexcept

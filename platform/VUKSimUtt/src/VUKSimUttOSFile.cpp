@@ -278,6 +278,7 @@ void VUKSimUttOSFile::Flush()
         mFlushError = errno;
         Failure({"flush"}, mName, mFlushError).Throw(kSource, at::kFlush);
     }
+    mView.Synced();
     if (mFolderSyncDue) {
         mFlushError = SyncFolder();
         if (mFlushError != 0) {

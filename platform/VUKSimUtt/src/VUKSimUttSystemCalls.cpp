@@ -27,6 +27,7 @@ constexpr VUKSimUttSystemCalls kSystem = {
     .getcwd = ::getcwd,
     .mmap = ::mmap,
     .munmap = ::munmap,
+    .madvise = ::madvise,
     .sigaction = ::sigaction,
 };
 
