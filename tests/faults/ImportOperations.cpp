@@ -150,11 +150,11 @@ private:
     }
 };
 
-// In several pieces of 262144 bytes.
+// In several pieces of 262144 bytes, of which the first lies in memory that is mapped.
 class ImportOfALongPool : public ImportBehindData
 {
 public:
-    ImportOfALongPool() : ImportBehindData(Letters(262144 + 100)) {}
+    ImportOfALongPool() : ImportBehindData(Letters(262144 + 10000)) {}
 };
 
 // In the place of `b`, which is empty. From the moment that the file is given its new size the file

@@ -145,6 +145,19 @@ TEST_F(AppendPoolFailures, FailsWhenTheSourceEndsBeforeThePool)
     EXPECT_EQ(mFile.LogicalEnd(), 682U);
 }
 
+TEST_F(AppendPoolFailures, FailsWhenAMappedSourceHasBecomeShorterThanThePool)
+{
+    FillTarget();
+    VUKSimRpm_PoolImpl& source = OpenSource({.directory = {mX}, .data = std::string(599920, 'x')});
+    EXPECT_EQ(ReadPool(source, 599919, 1), "x"); // mapped as long as it was
+    ResizeSource(400000);                        // of 600000
+    EXPECT_TRUE(Raises<VUKSimExcShortPool>([&] { mFile.AppendPool(source); }, kSource, 190));
+    EXPECT_EQ(mFile.PoolCount(), 1U);
+    EXPECT_EQ(mFolder.Size("a.sim"), 600082U);
+    EXPECT_EQ(mFolder.Read("a.sim").substr(82 + 80),
+              std::string(399920, 'x') + std::string(200000, '\0'));
+}
+
 TEST_F(AppendPoolFailures, FailsForAPoolWithBytesThatWereAllocatedAndNeverWritten)
 {
     VUKSimRpm_PoolImpl& source = OpenSource({.directory = {mX}, .data = "x"});
@@ -314,6 +327,19 @@ TEST_F(AppendPoolFailures, CopiesExactly262144BytesInOnePiece)
     calls.FailAlways(SystemCall::Mmap, ENOMEM); // what it reads again goes through calls then
     mFile.AppendPool(source);
     EXPECT_EQ(Reads(calls), (std::vector<Transfer>{{0, 262144}, {0, 4096}}));
+}
+
+TEST_F(AppendPoolFailures, CopiesWhatIsMappedInSuchPiecesWithoutReadingIt)
+{
+    VUKSimRpm_PoolImpl& source = OpenSource({.directory = {mX}, .data = std::string(599920, 'x')});
+    ScriptedSystemCalls calls;
+    mFile.AppendPool(source);
+    // The last piece reaches to the end of the source, which is not mapped.
+    EXPECT_EQ(Reads(calls), (std::vector<Transfer>{{524288, 75712}}));
+    EXPECT_EQ(Writes(calls),
+              (std::vector<Transfer>{{0, 262144}, {262144, 262144}, {524288, 75712}}));
+    const bytes::Pool copy{.directory = {mX}, .data = std::string(599920, 'x')};
+    EXPECT_EQ(mFolder.Read("a.sim"), copy.Bytes());
 }
 
 TEST_F(AppendPoolFailures, SizesTheFileOnceUpFront)

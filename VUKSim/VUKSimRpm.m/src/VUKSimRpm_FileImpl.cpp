@@ -301,8 +301,12 @@ void VUKSimRpm_FileImpl::CopyFrom(VUKSimRpm_PoolImpl& source, unsigned long long
     const VUKSimRpm_Buffer buffer(kCopyChunk);
     for (unsigned long long done = 0; done < length;) {
         const unsigned long long wanted = std::min(length - done, kCopyChunk);
-        const unsigned long got =
-            source.File().Read(source.Position() + done, wanted, buffer.Bytes());
+        const unsigned long long from = source.Position() + done;
+        if (mFile.WriteFrom(destination + done, source.File().mFile, from, wanted)) {
+            done += wanted;
+            continue;
+        }
+        const unsigned long got = source.File().Read(from, wanted, buffer.Bytes());
         if (got == 0) {
             VUKSimExcShortPool().Throw(kSource, at::kAppendPoolShort);
         }

@@ -63,6 +63,24 @@ public:
                Intact();
     }
 
+    /// Covered bytes where they lie, for the system to read: it finds out by itself when pages are
+    /// gone (EFAULT). They were all there when the view is intact behind it. Valid until the view
+    /// is mapped anew or dropped.
+    [[nodiscard]] const char* Bytes(unsigned long long position) const noexcept
+    {
+        return mBytes + position;
+    }
+
+    /// Whether the file still reaches to the view's end, so that all that is covered is there.
+    [[nodiscard]] bool Intact() const noexcept
+    {
+        // One copy before the watch or behind it, the verdict behind both.
+        std::atomic_signal_fence(std::memory_order_seq_cst);
+        mWatched = *mWatch;
+        std::atomic_signal_fence(std::memory_order_seq_cst);
+        return !mRange.Lost();
+    }
+
     /// Maps the file, with room to grow, and covers what a file of `size` bytes lets it. False, and
     /// nothing is covered, when the system cannot or the file is too small to gain by it.
     bool Map(int descriptor, bool writable, unsigned long long size) noexcept;
@@ -93,15 +111,6 @@ private:
     }
     void BeginCount() noexcept;
     void TakeOutPages() noexcept;
-
-    [[nodiscard]] bool Intact() const noexcept
-    {
-        // One copy before the watch or behind it, the verdict behind both.
-        std::atomic_signal_fence(std::memory_order_seq_cst);
-        mWatched = *mWatch;
-        std::atomic_signal_fence(std::memory_order_seq_cst);
-        return !mRange.Lost();
-    }
 
     char* mBytes = nullptr;                // of the map; null without one
     unsigned long long mEnd = 0;           // of what is covered

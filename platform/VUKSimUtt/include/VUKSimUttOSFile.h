@@ -85,6 +85,12 @@ public:
         return WriteInGeneral(position, buffer, length);
     }
 
+    /// As WriteAtomic, for the `length` bytes of another file, `source`, at `sourcePosition`, when
+    /// they can go without a buffer in between. False when they cannot or did not all: they are
+    /// then to be read and written.
+    [[nodiscard]] bool WriteFrom(unsigned long long position, VUKSimUttOSFile& source,
+                                 unsigned long long sourcePosition, unsigned long length);
+
     /// Makes the file exactly `size` bytes long; what is added reads as zeros.
     void Truncate(unsigned long long size);
 
@@ -98,6 +104,13 @@ public:
     void Close();
 
 private:
+    /// Which file it is, whatever its name.
+    struct Identity
+    {
+        unsigned long long device = 0;
+        unsigned long long inode = 0; // 0 when nobody looked
+    };
+
     void OpenExisting(const VUKString& name, bool readOnly);
     void CreateUnique(const VUKString& name, const VUKString& second, unsigned int mode,
                       bool removeWhenClosed);
@@ -105,6 +118,7 @@ private:
                                               unsigned long length);
     unsigned long WriteInGeneral(unsigned long long position, const char* buffer,
                                  unsigned long length);
+    [[nodiscard]] bool IsSurelyNot(const VUKSimUttOSFile& that) const noexcept;
     [[nodiscard]] bool MapFor(unsigned long long position, unsigned long length) noexcept;
     void SeeEnd(unsigned long long end) noexcept;
     [[nodiscard]] unsigned long WriteFully(unsigned long long position, const char* buffer,
@@ -118,6 +132,7 @@ private:
     VUKString mAbsoluteName; // of a created file, which is found again from any working folder
     bool mReadOnly = false;  // by the last open
     int mDescriptor = -1;    // owned; -1 when closed
+    Identity mIdentity;
     bool mRemoveWhenClosed = false;
     bool mFolderSyncDue = false;          // created here, and the name is not durable yet
     int mFlushError = 0;                  // of the sync that failed; 0 while none has

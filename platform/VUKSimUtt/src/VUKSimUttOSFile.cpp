@@ -189,6 +189,32 @@ unsigned long VUKSimUttOSFile::WriteInGeneral(unsigned long long position, const
     return length;
 }
 
+bool VUKSimUttOSFile::WriteFrom(unsigned long long position, VUKSimUttOSFile& source,
+                                unsigned long long sourcePosition, unsigned long length)
+{
+    // Within one file the bytes could change while they are on their way.
+    if (!IsSurelyNot(source) ||
+        (!source.mView.Covers(sourcePosition, length) && !source.MapFor(sourcePosition, length))) {
+        return false;
+    }
+    try {
+        WriteAtomic(position, source.mView.Bytes(sourcePosition), length);
+    } catch (const VUKSimUttOSFileException& failure) {
+        if (failure.ErrorNumber() == EFAULT) {
+            return false; // pages of the source were gone
+        }
+        throw;
+    }
+    return source.mView.Intact();
+}
+
+bool VUKSimUttOSFile::IsSurelyNot(const VUKSimUttOSFile& that) const noexcept
+{
+    const bool known = mIdentity.inode != 0 && that.mIdentity.inode != 0;
+    return known &&
+           (mIdentity.device != that.mIdentity.device || mIdentity.inode != that.mIdentity.inode);
+}
+
 // Maps the file when that lets the view cover these bytes, and it does not yet: at the first
 // access, and when the file has outgrown its map.
 bool VUKSimUttOSFile::MapFor(unsigned long long position, unsigned long length) noexcept
@@ -318,6 +344,7 @@ void VUKSimUttOSFile::Close()
     const int removeError = std::exchange(mRemoveWhenClosed, false) ? RemoveName(descriptor) : 0;
     mFolderSyncDue = false;
     mFlushError = 0;
+    mIdentity = {};
     mKnownEnd = 0;
     mReadPosition = 0;
     // Never repeated: the descriptor is free even after a failure, and may be another file's by

@@ -92,7 +92,7 @@ int AboveStandardStreams(int descriptor) noexcept
 struct OpenedFile
 {
     VUKSimUttDescriptor descriptor;
-    unsigned long long size; // in bytes
+    VUKSimUttFileStatus status;
 };
 
 OpenedFile OpenRegularFile(const VUKString& name, int flags)
@@ -106,7 +106,7 @@ OpenedFile OpenRegularFile(const VUKString& name, int flags)
         Failure({"open"}, name, errno).Throw(kSource, at::kOpenStatus);
     }
     RefuseUnlessRegular(status, name);
-    return {std::move(descriptor), static_cast<unsigned long long>(status.st_size)};
+    return {std::move(descriptor), status};
 }
 
 // The name from the root down; as given where that would be too long for the system.
@@ -160,7 +160,8 @@ void VUKSimUttOSFile::OpenExisting(const VUKString& name, bool readOnly)
 
     mName = std::move(ownName);
     mReadOnly = readOnly;
-    mKnownEnd = file.size;
+    mIdentity = {file.status.st_dev, file.status.st_ino};
+    mKnownEnd = static_cast<unsigned long long>(file.status.st_size);
     mDescriptor = file.descriptor.Release();
 }
 
@@ -174,7 +175,7 @@ void VUKSimUttOSFile::OpenWrite(const VUKString& name)
     VUKString absoluteName = created ? AbsoluteName(name) : VUKString();
     OpenedFile file = OpenRegularFile(name, O_RDWR | O_CREAT);
     // Emptied only now, by no flag of the open: until here it may have been anything.
-    if (file.size > 0 &&
+    if (file.status.st_size > 0 &&
         VUKSimUttRetry([&] { return Calls().ftruncate(file.descriptor.Get(), 0); }) != 0) {
         Failure({"open"}, name, errno).Throw(kSource, at::kOpenEmpty);
     }
@@ -183,6 +184,7 @@ void VUKSimUttOSFile::OpenWrite(const VUKString& name)
     mAbsoluteName = std::move(absoluteName);
     mReadOnly = false;
     mFolderSyncDue = created;
+    mIdentity = {file.status.st_dev, file.status.st_ino};
     mDescriptor = file.descriptor.Release();
 }
 
