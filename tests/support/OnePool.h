@@ -7,6 +7,7 @@
 #include "VUKSimRpm_Locator.h"
 #include "VUKSimRpm_Pool.h"
 
+#include <cstdint>
 #include <stdexcept>
 #include <string>
 
@@ -18,6 +19,12 @@ inline std::string Letters(std::size_t count)
         letters += static_cast<char>('a' + i % 26);
     }
     return letters;
+}
+
+/// Where in its page of 4,096 bytes it lies.
+inline unsigned PlaceInPage(const char* byte)
+{
+    return reinterpret_cast<std::uintptr_t>(byte) % 4096;
 }
 
 /// What a read of `length` bytes delivers.

@@ -114,6 +114,27 @@ TEST(BStreamAppendToPool, HoldsAChunkToTheLastByte)
     EXPECT_EQ(stream.Length(), 17UL);
 }
 
+TEST(BStreamAppendToPool, PreparesAWholeChunkBehindAFlush)
+{
+    const OnePool store;
+    Stream stream(store.Pool(), 16);
+    Prepare(stream, "0");
+    Prepare(stream, Letters(16));
+    EXPECT_EQ(store.Pool().Length(), 1ULL);
+    stream.Flush();
+    EXPECT_EQ(store.Stored(), "0" + Letters(16));
+}
+
+TEST(BStreamAppendToPool, HoldsItsBytesWhereTheyWillLieInTheirPage)
+{
+    const OnePool store; // its data begins at byte 80
+    Stream stream(store.Pool(), 16384);
+    EXPECT_EQ(PlaceInPage(stream.PrepWrite(10000)), 80U);
+    EXPECT_EQ(PlaceInPage(stream.PrepWrite(10000)), 1888U); // 10080 - 2 * 4096
+    Put(stream, Letters(20000));
+    EXPECT_EQ(PlaceInPage(stream.PrepWrite(1)), 3216U); // 40080 - 9 * 4096
+}
+
 TEST(BStreamAppendToPool, WritesNothingWhenGivenNothing)
 {
     const OnePool store("old");

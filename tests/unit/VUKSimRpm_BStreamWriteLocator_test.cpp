@@ -190,6 +190,16 @@ TEST(BStreamWriteLocator, HoldsARunThatFillsTheChunkToTheLastByte)
     EXPECT_EQ(store.Stored().substr(0, 18), Letters(10) + "012345__");
 }
 
+TEST(BStreamWriteLocator, HoldsItsBytesWhereTheyWillLieInTheirPage)
+{
+    const OnePool store(Blanks(50000)); // from byte 80 on
+    Stream stream(store.Start() + 20, 0, 16384);
+    EXPECT_EQ(PlaceInPage(stream.PrepWrite(10000)), 100U);
+    EXPECT_EQ(PlaceInPage(stream.PrepWrite(10000)), 1908U); // 10100 - 2 * 4096
+    Put(stream, Letters(20000));
+    EXPECT_EQ(PlaceInPage(stream.PrepWrite(1)), 3236U); // 40100 - 9 * 4096
+}
+
 TEST(BStreamWriteLocator, WritesWhatItHoldsAndThenALongRunDirectly)
 {
     const OnePool store(Blanks(200));
@@ -294,6 +304,15 @@ TEST(BStreamWriteLocator, HasFlushedWhenAPreparedRequestIsRefused)
     Put(stream, "efgh");
     EXPECT_TRUE(RaisesShortBuffer(Preparing(stream, 23), 31, 30, kSource, 50));
     EXPECT_EQ(store.Stored().substr(0, 10), "abcdefgh__");
+}
+
+TEST(BStreamWriteLocator, FlushesNothingForARequestThatFitsTheChunkAndNotTheLimit)
+{
+    const OnePool store(Blanks(100));
+    Stream stream(store.Start(), 12, 16);
+    Put(stream, "abcdefgh");
+    EXPECT_TRUE(RaisesShortBuffer(Preparing(stream, 8), 16, 12, kSource, 50));
+    EXPECT_EQ(store.Stored().substr(0, 10), Blanks(10));
 }
 
 TEST(BStreamWriteLocator, IsNotFooledBySumsThatWrap)

@@ -72,13 +72,11 @@ VUKSimRpm_MemoryPool* VUKSimRpm_BStreamAppendToPool::IMPool() const
     return nullptr;
 }
 
-// Where the room as it stands does not do.
+// Where the room as it stands does not do: for too many or none.
 char* VUKSimRpm_BStreamAppendToPool::PrepWriteElsewhere(unsigned long requestedLength)
 {
     VUKSIMRPM_ASSERT(requestedLength > 0, kSource, at::kPrepNothing);
-    if (requestedLength > Room()) {
-        Flush();
-    }
+    Flush();
     if (requestedLength > Room()) {
         VUKSimExcRequestTooBig(static_cast<unsigned>(requestedLength),
                                static_cast<unsigned>(mChunk.Size()))

@@ -47,7 +47,6 @@ bool VUKSimUttGuardedRange::Guard(char* begin, std::size_t length) noexcept
     }
     mBegin = begin;
     mEnd = begin + length;
-    mLost = 0;
     mNext = firstRange;
     firstRange = this;
     return true;

@@ -46,6 +46,16 @@ inline int OpenDescriptors()
     return static_cast<int>(std::distance(folder, std::filesystem::directory_iterator()));
 }
 
+/// Byte i is i / 4096 * 7 + i, so that neither neighbouring bytes nor neighbouring pages are alike.
+inline std::string Pattern(std::size_t size)
+{
+    std::string bytes(size, '\0');
+    for (std::size_t i = 0; i < size; ++i) {
+        bytes[i] = static_cast<char>(i / 4096 * 7 + i);
+    }
+    return bytes;
+}
+
 /// Up to `length` bytes from `position`, as they came.
 inline std::string ReadAt(VUKSimUttOSFile& file, unsigned long long position, unsigned long length)
 {

@@ -107,6 +107,7 @@ TEST_F(FileViewWrites, AreCountedWhateverTheirLength)
     EXPECT_EQ(calls.Count(SystemCall::Madvise), 0);
     WriteInPlace(1, 5000);
     EXPECT_EQ(calls.Count(SystemCall::Madvise), 1);
+    EXPECT_EQ(calls.Count(SystemCall::Pwrite), 0);
 }
 
 TEST_F(FileViewWrites, DoNotCountWhenCallsMakeThem)

@@ -16,24 +16,11 @@
 #include "OSFileSupport.h"
 #include "ScriptedSystemCalls.h"
 #include "TemporaryFolder.h"
-#include "VUKSimUttFileView.h"
 #include "VUKSimUttOSFile.h"
 
 // OS files of 64 KiB and more, which are served from memory that is mapped from them.
 
 namespace {
-
-constexpr unsigned long kPage = 4096;
-
-// Byte i is i / 4096 * 7 + i, so that neither neighbouring bytes nor neighbouring pages are alike.
-std::string Pattern(std::size_t size)
-{
-    std::string bytes(size, '\0');
-    for (std::size_t i = 0; i < size; ++i) {
-        bytes[i] = static_cast<char>(i / kPage * 7 + i);
-    }
-    return bytes;
-}
 
 void Resize(const TemporaryFolder& folder, const char* name, long size)
 {
@@ -291,76 +278,6 @@ TEST(FileView, AnyAccessesInAnyOrderAgreeWithAPlainArray)
         }
         ASSERT_EQ(folder.Read("a.sim"), expected) << round;
     }
-}
-
-TEST(FileView, AClosedFileIsNotReadFromMemory)
-{
-    const TemporaryFolder folder;
-    const VUKString name = folder.Write("a.sim", Pattern(131072));
-    VUKSimUttOSFile file;
-    file.OpenUpdate(name);
-    ASSERT_EQ(ReadAt(file, 0, 1).size(), 1UL);
-    file.Close();
-    EXPECT_TRUE(RaisesAt(
-        {kFileSource, 112}, [&] { static_cast<void>(ReadAt(file, 0, 4)); }, "read", EBADF,
-        name.UTF8(), 0, 4));
-    EXPECT_TRUE(RaisesAt(
-        {kFileSource, 112}, [&] { file.WriteAtomic(0, "x", 1); }, "write", EBADF, name.UTF8(), 0,
-        1));
-}
-
-TEST(FileView, WithoutAMapCallsDoTheWork)
-{
-    const TemporaryFolder folder;
-    for (const SystemCall failing : {SystemCall::Mmap, SystemCall::Sigaction}) {
-        VUKSimUttOSFile file;
-        file.OpenUpdate(folder.Write("a.sim", Pattern(131072)));
-        ScriptedSystemCalls calls;
-        calls.FailAlways(failing, ENOMEM);
-        EXPECT_EQ(ReadAt(file, 70000, 4), Pattern(131072).substr(70000, 4));
-        EXPECT_EQ(ReadAt(file, 70000, 4), Pattern(131072).substr(70000, 4));
-        file.WriteAtomic(8, "by call", 7);
-        EXPECT_EQ(calls.Count(SystemCall::Pread), 2);
-        EXPECT_EQ(calls.Count(SystemCall::Pwrite), 1);
-        EXPECT_EQ(calls.Count(failing), 1); // a map that cannot be had is not asked for again
-        EXPECT_EQ(calls.Count(SystemCall::Mmap),
-                  calls.Count(SystemCall::Munmap) + (failing == SystemCall::Mmap ? 1 : 0));
-        EXPECT_EQ(folder.Read("a.sim").substr(8, 7), "by call");
-    }
-}
-
-TEST(FileView, MapsNothingBelow64KiBNorBeyond32TiB)
-{
-    ScriptedSystemCalls calls;
-    calls.FailAlways(SystemCall::Mmap, ENOMEM);
-    VUKSimUttFileView view;
-    for (const unsigned long long size : {0ULL, 65535ULL, 35184372088833ULL, ~0ULL}) {
-        EXPECT_FALSE(view.Map(-1, false, size));
-        EXPECT_EQ(calls.Count(SystemCall::Mmap), 0) << size;
-    }
-    EXPECT_FALSE(view.Map(-1, false, 65536));
-    EXPECT_FALSE(view.Map(-1, false, 35184372088832));
-    EXPECT_EQ(calls.Count(SystemCall::Mmap), 2);
-}
-
-TEST(FileView, AnAddressSpaceWithoutRoomIsNoHindrance)
-{
-    const TemporaryFolder folder;
-    const VUKString name = folder.File("a.sim");
-    folder.Write("a.sim", "");
-    Resize(folder, "a.sim", 1L << 40); // sparse
-    VUKSimUttOSFile file;
-    file.OpenUpdate(name);
-    const pid_t child = ::fork();
-    if (child == 0) {
-        const rlimit limit = {.rlim_cur = 1UL << 38, .rlim_max = 1UL << 38};
-        bool well = ::setrlimit(RLIMIT_AS, &limit) == 0;
-        well = well && file.WriteAtomic(1UL << 39, "far out", 7) == 7;
-        ::_exit(well && ReadAt(file, (1UL << 39) + 4, 3) == "out" ? 0 : 1);
-    }
-    int status = -1;
-    ASSERT_EQ(::waitpid(child, &status, 0), child);
-    EXPECT_EQ(status, 0);
 }
 
 // In a child with a mount of its own: 0 when the full disk was met as it must be, 77 when this

@@ -250,22 +250,23 @@ TEST(OSFile, NeverTakesTheDescriptorOfAStandardStream)
 {
     const TemporaryFolder folder;
     const VUKString name = folder.Write("a.sim", "12345");
-    ScriptedSystemCalls calls;
     const int before = OpenDescriptors();
-    const int saved = dup(STDIN_FILENO);
-    ASSERT_GT(saved, 2);
-    close(STDIN_FILENO);
-    {
-        VUKSimUttOSFile file;
-        file.OpenUpdate(name);
-        EXPECT_EQ(calls.Calls(SystemCall::Fcntl).at(0).descriptor, 0);
-        const int descriptor = DescriptorOf(file, calls);
-        EXPECT_GT(descriptor, 2);
-        EXPECT_EQ(fcntl(descriptor, F_GETFD), FD_CLOEXEC);
-        EXPECT_EQ(fcntl(STDIN_FILENO, F_GETFD), -1);
+    for (const int stream : {STDIN_FILENO, STDERR_FILENO}) {
+        ScriptedSystemCalls calls;
+        const int saved = dup(stream);
+        close(stream);
+        {
+            VUKSimUttOSFile file;
+            file.OpenUpdate(name);
+            EXPECT_EQ(calls.Calls(SystemCall::Fcntl).at(0).descriptor, stream);
+            const int descriptor = DescriptorOf(file, calls);
+            EXPECT_GT(descriptor, 2);
+            EXPECT_EQ(fcntl(descriptor, F_GETFD), FD_CLOEXEC);
+            EXPECT_EQ(fcntl(stream, F_GETFD), -1);
+        }
+        dup2(saved, stream);
+        close(saved);
     }
-    dup2(saved, STDIN_FILENO);
-    close(saved);
     EXPECT_EQ(OpenDescriptors(), before);
 }
 

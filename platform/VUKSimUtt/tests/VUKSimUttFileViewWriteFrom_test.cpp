@@ -16,26 +16,22 @@
 
 namespace {
 
-class OSFileWriteFrom : public testing::Test
+class FileViewWriteFrom : public testing::Test
 {
 protected:
-    OSFileWriteFrom()
+    FileViewWriteFrom()
     {
-        mBytes.resize(131072);
-        for (std::size_t i = 0; i < mBytes.size(); ++i) {
-            mBytes[i] = static_cast<char>(i / 4096 * 7 + i);
-        }
         mSource.OpenRead(mFolder.Write("source.sim", mBytes));
         mTarget.OpenUpdate(mFolder.Write("target.sim", "0123456789"));
     }
 
     TemporaryFolder mFolder;
-    std::string mBytes;
+    const std::string mBytes = Pattern(131072);
     VUKSimUttOSFile mSource;
     VUKSimUttOSFile mTarget;
 };
 
-TEST_F(OSFileWriteFrom, WritesBytesOfAMappedFileByOneCallAndReadsNone)
+TEST_F(FileViewWriteFrom, WritesBytesOfAMappedFileByOneCallAndReadsNone)
 {
     ScriptedSystemCalls calls;
     EXPECT_TRUE(mTarget.WriteFrom(5, mSource, 100, 70000));
@@ -45,7 +41,7 @@ TEST_F(OSFileWriteFrom, WritesBytesOfAMappedFileByOneCallAndReadsNone)
     EXPECT_EQ(mFolder.Read("source.sim"), mBytes);
 }
 
-TEST_F(OSFileWriteFrom, GoesFromMemoryToMemoryWhereBothAreMapped)
+TEST_F(FileViewWriteFrom, GoesFromMemoryToMemoryWhereBothAreMapped)
 {
     VUKSimUttOSFile target;
     target.OpenUpdate(mFolder.Write("large.sim", std::string(131072, '-')));
@@ -57,14 +53,14 @@ TEST_F(OSFileWriteFrom, GoesFromMemoryToMemoryWhereBothAreMapped)
               std::string(8000, '-') + mBytes.substr(100, 3000) + std::string(120072, '-'));
 }
 
-TEST_F(OSFileWriteFrom, ReachesToTheLastByteThatIsServedFromMemory)
+TEST_F(FileViewWriteFrom, ReachesToTheLastByteThatIsServedFromMemory)
 {
     EXPECT_TRUE(mTarget.WriteFrom(0, mSource, 120000, 6976));
     EXPECT_EQ(mFolder.Read("target.sim"), mBytes.substr(120000, 6976));
     EXPECT_FALSE(mTarget.WriteFrom(0, mSource, 120000, 6977));
 }
 
-TEST_F(OSFileWriteFrom, WritesNothingWhereTheSourceIsNotServedFromMemory)
+TEST_F(FileViewWriteFrom, WritesNothingWhereTheSourceIsNotServedFromMemory)
 {
     VUKSimUttOSFile small;
     small.OpenRead(mFolder.Write("small.sim", std::string(65535, 'a')));
@@ -76,7 +72,7 @@ TEST_F(OSFileWriteFrom, WritesNothingWhereTheSourceIsNotServedFromMemory)
     EXPECT_EQ(mFolder.Read("target.sim"), "0123456789");
 }
 
-TEST_F(OSFileWriteFrom, WritesNothingWithinOneFileWhateverItsName)
+TEST_F(FileViewWriteFrom, WritesNothingWithinOneFileWhateverItsName)
 {
     std::filesystem::create_hard_link(mFolder.Path("source.sim"), mFolder.Path("link.sim"));
     VUKSimUttOSFile same;
@@ -86,7 +82,7 @@ TEST_F(OSFileWriteFrom, WritesNothingWithinOneFileWhateverItsName)
     EXPECT_EQ(mFolder.Read("source.sim"), mBytes);
 }
 
-TEST_F(OSFileWriteFrom, WritesNothingToAFileThatNobodyHasLookedAt)
+TEST_F(FileViewWriteFrom, WritesNothingToAFileThatNobodyHasLookedAt)
 {
     VUKSimUttOSFile created;
     created.CreateTemporary(mFolder.File("scratch"));
@@ -100,7 +96,7 @@ TEST_F(OSFileWriteFrom, WritesNothingToAFileThatNobodyHasLookedAt)
     EXPECT_FALSE(created.WriteFrom(0, mSource, 0, 10));
 }
 
-TEST_F(OSFileWriteFrom, IsFalseWhenTheSourceHasBecomeShorter)
+TEST_F(FileViewWriteFrom, IsFalseWhenTheSourceHasBecomeShorter)
 {
     EXPECT_EQ(ReadAt(mSource, 0, 1).size(), 1UL); // mapped as long as it was
     for (const long size : {100000L, 50000L, 0L}) {
@@ -110,7 +106,7 @@ TEST_F(OSFileWriteFrom, IsFalseWhenTheSourceHasBecomeShorter)
     EXPECT_EQ(ReadAt(mSource, 0, 10), "");
 }
 
-TEST_F(OSFileWriteFrom, IsFalseWhenTheSystemCannotReadTheMemory)
+TEST_F(FileViewWriteFrom, IsFalseWhenTheSystemCannotReadTheMemory)
 {
     ScriptedSystemCalls calls;
     calls.Script(SystemCall::Pwrite, {Fails(EFAULT)});
@@ -118,7 +114,7 @@ TEST_F(OSFileWriteFrom, IsFalseWhenTheSystemCannotReadTheMemory)
     EXPECT_TRUE(mTarget.WriteFrom(0, mSource, 0, 70000));
 }
 
-TEST_F(OSFileWriteFrom, FailsAsAnyWrite)
+TEST_F(FileViewWriteFrom, FailsAsAnyWrite)
 {
     ScriptedSystemCalls calls;
     calls.FailAlways(SystemCall::Pwrite, ENOSPC);
