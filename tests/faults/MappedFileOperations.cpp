@@ -68,6 +68,28 @@ public:
     }
 };
 
+// The pages leave the map, or stay in it.
+class WriteOftenIntoAMappedFile : public MappedFileOperation
+{
+public:
+    WriteOftenIntoAMappedFile() { mFile.WriteAtomic(1000, "new", 3); }
+
+    void Run() override
+    {
+        for (int i = 0; i < 16; ++i) {
+            mFile.WriteAtomic(1000, "NEW", 3);
+        }
+    }
+
+    void Check(const Outcome& outcome, Complaints& complaints) override
+    {
+        if (!outcome.failed) {
+            complaints.Same(ReadAt(mFile, 999, 5), "aNEWa", "what was written");
+        }
+        ExpectWorks(complaints);
+    }
+};
+
 class CloseAMappedFile : public MappedFileOperation
 {
 public:
@@ -92,6 +114,7 @@ std::vector<OperationEntry> MappedFileOperations()
     return {
         Entry<ReadAMappedFile>("ReadAMappedFile", maps ? 3 : 1, 0),
         Entry<WriteIntoAMappedFile>("WriteIntoAMappedFile", maps ? 3 : 1, 0),
+        Entry<WriteOftenIntoAMappedFile>("WriteOftenIntoAMappedFile", maps ? 1 : 16, 0),
         Entry<CloseAMappedFile>("CloseAMappedFile", maps ? 4 : 1, 0),
     };
 }

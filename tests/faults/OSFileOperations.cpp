@@ -253,30 +253,6 @@ public:
     }
 };
 
-// The pages leave the map, or stay in it.
-class WriteInPlaceOften : public OSFileOperation
-{
-public:
-    WriteInPlaceOften()
-    {
-        mFile.OpenUpdate(mFolder.Write("a.sim", std::string(131072, 'a')));
-        mFile.WriteAtomic(0, "b", 1);
-    }
-
-    void Run() override
-    {
-        for (int i = 0; i < 16; ++i) {
-            mFile.WriteAtomic(4096, "in place", 8);
-        }
-    }
-
-    void Check(const Outcome&, Complaints& complaints) override
-    {
-        complaints.Same(ReadAt(mFile, 4094, 12), "aain placeaa", "what was written");
-        ExpectWorks(complaints);
-    }
-};
-
 // Closed it is, whatever the system says.
 class CloseAnOSFile : public OpenFileOperation
 {
@@ -352,7 +328,6 @@ std::vector<OperationEntry> OSFileOperations()
         Entry<WriteBehindAFile>("WriteBehindAFile", 2, 0),
         Entry<TruncateAFile>("TruncateAFile", 1, 0),
         Entry<FlushANewFile>("FlushANewFile", 4, 1),
-        Entry<WriteInPlaceOften>("WriteInPlaceOften", 1, 0),
         Entry<CloseAnOSFile>("CloseAnOSFile", 1, 0),
         Entry<CloseATemporaryOSFile>("CloseATemporaryOSFile", 4, 0),
         Entry<LookForFiles>("LookForFiles", 3, 0),

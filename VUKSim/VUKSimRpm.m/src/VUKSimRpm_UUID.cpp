@@ -1,5 +1,6 @@
 #include "VUKSimRpm_UUID.h"
 
+#include "VUKSimUttShortCopy.h"
 #include "omi_gettimeofday.h"
 
 #include <bit>
@@ -34,8 +35,7 @@ long Draw()
 // Eight characters as a number that orders as they do, on every host: the first weighs most.
 std::uint64_t Weight(const char* text) noexcept
 {
-    std::uint64_t weight = 0;
-    std::memcpy(&weight, text, sizeof weight);
+    const auto weight = VUKSimUttShortCopy::Load<std::uint64_t>(text);
     return std::endian::native == std::endian::little ? __builtin_bswap64(weight) : weight;
 }
 } // namespace
