@@ -55,10 +55,11 @@ private:
 class KilledWriter : public testing::Test
 {
 protected:
-    // Runs a writer that flushes every so many records and kills it after `microseconds`, unless it
-    // has finished by then.
-    void RunAndKill(std::uint32_t flushEach, unsigned microseconds)
+    // Runs a writer that flushes every so many records and kills it `microseconds` after its start,
+    // or after its first flush, unless it has finished by then.
+    void RunAndKill(std::uint32_t flushEach, bool afterAFlush, unsigned microseconds)
     {
+        const std::uint32_t flushedBefore = mReport->flushed;
         const pid_t child = ::fork();
         ASSERT_NE(child, -1);
         if (child == 0) {
@@ -69,6 +70,10 @@ protected:
                 std::cerr << "the writer: " << raised.what() << std::endl;
                 ::_exit(1);
             }
+        }
+        constexpr int kPatience = 100000; // tenths of a millisecond
+        for (int i = 0; afterAFlush && mReport->flushed == flushedBefore && i < kPatience; ++i) {
+            ::usleep(100);
         }
         ::usleep(microseconds);
         ::kill(child, SIGKILL);
@@ -135,7 +140,9 @@ TEST_F(KilledWriter, LeavesAllThatItReported)
     while (mKills < wanted && !HasFailure()) {
         // A flush takes far longer than all else: the fewer there are, the more kills meet pools.
         const std::uint32_t flushEach = mKills % 2 == 0 ? 7 : 90;
-        RunAndKill(flushEach, static_cast<unsigned>(random() % 8000));
+        // On a busy machine 8 milliseconds may not be enough to begin.
+        const bool afterAFlush = mKills % 10 == 0;
+        RunAndKill(flushEach, afterAFlush, static_cast<unsigned>(random() % 8000));
         CheckBytes();
         if (HasFailure() || !mFolder.Has(kFile)) {
             continue; // killed before it could begin
