@@ -1,13 +1,15 @@
 """Changes one thing at a time in the library and sees whether the tests notice.
 
 Works on copies of the tree in FOLDER, one for each processor; the tree itself stays as it is. A
-mutant is killed when a test fails, crashes or takes too long, and when it does not compile. What
-lives has to be explained in living.txt beside this script, a line each: the mutant as this script
-prints it, a tab, the reason. Mutants are drawn by seed, so that a run can be repeated.
+mutant is killed when a test fails, crashes or takes too long, and when it does not compile. One that
+the compiler turns into the same code as the original is none, and another takes its place. What lives
+has to be explained in living.txt beside this script, a line each: the mutant as this script prints
+it, a tab, the reason. Mutants are drawn by seed, so that a run can be repeated.
 """
 import argparse
 import collections
 import concurrent.futures
+import hashlib
 import os
 import pathlib
 import queue
@@ -28,6 +30,7 @@ PROGRAMS = ["unit_tests", "replaced_platform_tests", "format_tests", "scenario_t
 NEAREST = {"VUKSim": "unit_tests", "platform": "VUKSimUtt_test"}
 TOO_LONG = 60  # seconds of one processor, for one test program; all of them take a few
 STUCK = 900  # seconds on the clock, for one that waits for ever
+SAME = "same code"
 
 
 def limit_processor_time():
@@ -60,6 +63,17 @@ class Workshop:
         if len(found) != len(PROGRAMS):
             sys.exit(f"expected {PROGRAMS}, found {found}")
         self._programs = sorted(found, key=lambda path: PROGRAMS.index(path.name))
+        self._codes = {path: self._code_of(path) for path in self._build.rglob("src/*.cpp.o")}
+
+    @staticmethod
+    def _code_of(path):
+        return hashlib.sha256(path.read_bytes()).digest()
+
+    def is_same_code(self, mutant):
+        """Whether the last build came to the original's code, which has no debug information."""
+        name = f"{pathlib.PurePath(mutant.file).name}.o"
+        [(path, code)] = [item for item in self._codes.items() if item[0].name == name]
+        return self._code_of(path) == code
 
     def builds(self):
         return subprocess.run(["ninja", "-C", self._build, *PROGRAMS], stdout=subprocess.DEVNULL,
@@ -92,6 +106,8 @@ class Workshop:
         try:
             if not self.builds():
                 return "killed: does not compile"
+            if self.is_same_code(mutant):
+                return SAME
             return self.verdict_of_tests(NEAREST[mutant.file.split("/", 1)[0]])
         finally:
             path.write_text(original)
@@ -103,8 +119,8 @@ def explanations():
     return dict(line.split("\t", 1) for line in lines if line and not line.startswith("#"))
 
 
-def verdicts(chosen, workshops):
-    """Tries each mutant in whichever workshop is free; yields verdicts in the mutants' order."""
+def verdicts(drawn, workshops):
+    """Tries mutants in whichever workshop is free; yields verdicts in the mutants' order."""
     free = queue.SimpleQueue()
     for workshop in workshops:
         free.put(workshop)
@@ -117,7 +133,13 @@ def verdicts(chosen, workshops):
             free.put(workshop)
 
     with concurrent.futures.ThreadPoolExecutor(len(workshops)) as pool:
-        yield from pool.map(verdict_of, chosen)
+        ahead = collections.deque()
+        for mutant in drawn:
+            ahead.append(pool.submit(verdict_of, mutant))
+            if len(ahead) > len(workshops):
+                yield ahead.popleft().result()
+        while ahead:
+            yield ahead.popleft().result()
 
 
 def arguments():
@@ -145,23 +167,26 @@ def main():
              if options.only in str(path.relative_to(tree))]
     everything = [mutant for path in files
                   for mutant in mutants_of(str(path.relative_to(tree)), path.read_text())]
-    chosen = random.Random(options.seed).sample(everything, min(options.count, len(everything)))
+    drawn = random.Random(options.seed).sample(everything, len(everything))
     explained, counts, unexplained = explanations(), collections.Counter(), []
-    tried = zip(chosen, verdicts(chosen, workshops))
-    for number, (mutant, verdict) in enumerate(tried, 1):
+    tried = 0
+    for mutant, verdict in zip(drawn, verdicts(drawn, workshops)):
+        if tried == options.count:
+            break
+        tried += verdict != SAME
         if verdict == "LIVES" and mutant.key() in explained:
             verdict = "lives, explained"
         elif verdict == "LIVES":
             unexplained.append(mutant)
         counts[verdict] += 1
-        print(f"{number:4} {verdict:26} line {mutant.line:3} {mutant.key()}", flush=True)
+        print(f"{tried:4} {verdict:26} line {mutant.line:3} {mutant.key()}", flush=True)
 
-    print(f"\n{len(chosen)} of {len(everything)} mutants, seed {options.seed}:")
+    print(f"\n{tried} of {len(everything)} mutants, seed {options.seed}:")
     for verdict, count in counts.most_common():
         print(f"  {count:5}  {verdict}")
     killed = sum(count for verdict, count in counts.items() if verdict.startswith("killed"))
-    print(f"{100 * killed / len(chosen):.1f} % killed, {len(unexplained)} live without a reason")
-    return 1 if unexplained or killed < 0.95 * len(chosen) else 0
+    print(f"{100 * killed / tried:.1f} % killed, {len(unexplained)} live without a reason")
+    return 1 if unexplained or killed < 0.95 * tried else 0
 
 
 if __name__ == "__main__":
