@@ -20,7 +20,7 @@ else()
     find_package(GTest REQUIRED)
 endif()
 
-# The optimiser and full debug information take longer over tests than over all they test, to no use:
+# The optimiser and debug information take longer over tests than over all they test, to no use:
 # a preset may say what to do for them instead.
 set(VUKSIM_TEST_OPTIONS "" CACHE STRING "Compiler options for tests, behind those of the build type")
 set(VUKSIM_LONG_TEST_OPTIONS "" CACHE STRING "Compiler options behind them for tests that work for seconds")
