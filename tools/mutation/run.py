@@ -72,8 +72,9 @@ class Workshop:
     def is_same_code(self, mutant):
         """Whether the last build came to the original's code, which has no debug information."""
         name = f"{pathlib.PurePath(mutant.file).name}.o"
-        [(path, code)] = [item for item in self._codes.items() if item[0].name == name]
-        return self._code_of(path) == code
+        objects = [path for path in self._codes if path.name == name]
+        assert objects, f"{mutant.file} was not compiled"
+        return all(self._code_of(path) == self._codes[path] for path in objects)
 
     def builds(self):
         return subprocess.run(["ninja", "-C", self._build, *PROGRAMS], stdout=subprocess.DEVNULL,
