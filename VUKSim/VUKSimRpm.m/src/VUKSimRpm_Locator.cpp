@@ -72,8 +72,7 @@ const VUKSimRpm_PoolDirectoryImpl& Checked(const VUKSimRpm_PoolDirectoryImpl* di
 // its absence is reported.
 [[gnu::always_inline]] inline VUKSimRpm_PoolImpl& VUKSimRpm_Locator::Resolve(int line) const
 {
-    // The slot's sign is tested before the map, which takes a negative one for a fault of ours.
-    if (!Null()) [[likely]] {
+    if (!mMap.expired()) [[likely]] {
         VUKSimRpm_PoolImpl* const pool = mMap.BorrowLiving().OpenPool(mSlot);
         if (pool != nullptr) [[likely]] {
             return *pool;
@@ -195,7 +194,7 @@ void VUKSimRpm_Locator::InternalizeImpl(VUKSimRpm_BStreamRead& stream)
 unsigned long long VUKSimRpm_Locator::FilePosition() const noexcept
 {
     const VUKSimRpm_PoolMap* const map = mMap.Borrow();
-    const bool known = map != nullptr && mSlot >= 0 && mSlot < map->Length();
+    const bool known = map != nullptr && mSlot < map->Length();
     const VUKSimRpm_PoolImpl* const pool = known ? map->OpenPool(mSlot) : nullptr;
     return pool != nullptr ? pool->FilePosition(mOffset) : 0;
 }

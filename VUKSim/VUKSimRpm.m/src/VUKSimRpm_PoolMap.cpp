@@ -43,9 +43,12 @@ VUKBasWeakPtr<VUKSimRpm_PoolImpl> VUKSimRpm_PoolMap::Pool(int slot) const
     return Checked(slot, at::kPoolNegative, at::kPoolBeyondEnd).pool;
 }
 
-VUKSimRpm_PoolImpl* VUKSimRpm_PoolMap::OpenPool(int slot) const
+VUKSimRpm_PoolImpl* VUKSimRpm_PoolMap::OpenPoolOfNoSlot(int slot) const
 {
-    return Checked(slot, at::kPoolNegative, at::kPoolBeyondEnd).pool.Borrow();
+    if (slot >= 0) {
+        Refuse(slot, at::kPoolNegative, at::kPoolBeyondEnd);
+    }
+    return nullptr;
 }
 
 const char* VUKSimRpm_PoolMap::UUID(int slot) const
@@ -61,8 +64,7 @@ int VUKSimRpm_PoolMap::LookupByUUID(const char* uuid) const
 
 bool VUKSimRpm_PoolMap::IsDuplicate(const char* uuid) const
 {
-    const int slot = LookupByUUID(uuid);
-    return slot >= 0 && OpenPool(slot) != nullptr;
+    return OpenPool(LookupByUUID(uuid)) != nullptr;
 }
 
 int VUKSimRpm_PoolMap::GetDirectoryIndex(int srcSlot, int dstSlot) const
@@ -91,6 +93,7 @@ int VUKSimRpm_PoolMap::NewSlot(const char* uuid)
         mItemList.pop_back();
         throw;
     }
+    ++mLength;
     return slot;
 }
 
@@ -106,6 +109,7 @@ int VUKSimRpm_PoolMap::SlotOf(const char* uuid)
     const int found = mUUIDIndex.FindOrInsert({copy, slot}).second;
     if (found == slot) {
         mItemList.push_back(Item{copy, {}});
+        ++mLength;
     }
     return found;
 }
@@ -155,7 +159,7 @@ void VUKSimRpm_PoolMap::GrowAllocation(int required)
 const VUKSimRpm_PoolMap::Item& VUKSimRpm_PoolMap::Checked(int slot, int negative,
                                                           int beyondEnd) const
 {
-    if (slot < 0 || slot >= mItemList.size()) [[unlikely]] {
+    if (slot < 0 || slot >= mLength) [[unlikely]] {
         Refuse(slot, negative, beyondEnd);
     }
     return mItemList[slot];

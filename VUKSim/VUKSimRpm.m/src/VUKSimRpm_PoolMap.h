@@ -34,14 +34,20 @@ public:
     ~VUKSimRpm_PoolMap();
 
     /// The number of slots; valid ones are 0 to Length() - 1.
-    [[nodiscard]] int Length() const noexcept { return static_cast<int>(mItemList.size()); }
+    [[nodiscard]] int Length() const noexcept { return mLength; }
 
     /// The pool in `slot`, null when it is not open.
     /// \throws VUKBasAssertException for a slot that does not exist, as do all that take one.
     [[nodiscard]] VUKBasWeakPtr<VUKSimRpm_PoolImpl> Pool(int slot) const;
 
-    /// The same, borrowed for one access; null when it is not open.
-    [[nodiscard]] VUKSimRpm_PoolImpl* OpenPool(int slot) const;
+    /// The same, borrowed for one access. A negative slot has none.
+    [[nodiscard]] VUKSimRpm_PoolImpl* OpenPool(int slot) const
+    {
+        if (static_cast<unsigned>(slot) >= static_cast<unsigned>(mLength)) [[unlikely]] {
+            return OpenPoolOfNoSlot(slot);
+        }
+        return mItemList[slot].pool.Borrow();
+    }
 
     /// The 32 characters of the slot's UUID, not terminated; valid until a slot is added.
     [[nodiscard]] const char* UUID(int slot) const;
@@ -88,6 +94,7 @@ public:
 
 private:
     [[nodiscard]] const Item& Checked(int slot, int negative, int beyondEnd) const;
+    [[gnu::cold]] VUKSimRpm_PoolImpl* OpenPoolOfNoSlot(int slot) const;
     [[noreturn, gnu::cold]] void Refuse(int slot, int negative, int beyondEnd) const;
 
     using UUIDIndex = VUKBasTreeGeneric<VUKBasNodeAllocator, VUKBasPair<VUKSimRpm_UUID const, int>,
@@ -95,5 +102,6 @@ private:
 
     VUKSimRpm_Matrix mDirectoryIndexCache; // dimension: the allocation, 0 or a multiple of 64
     VUKBasVectorGeneric<Item> mItemList;   // by slot
+    int mLength = 0;                       // of that list, kept: it would have to divide
     UUIDIndex mUUIDIndex;                  // each UUID's first slot
 };
