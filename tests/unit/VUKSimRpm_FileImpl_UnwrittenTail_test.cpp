@@ -101,6 +101,16 @@ TEST_F(UnwrittenTail, CostsNothingInAFileThatIsOpenedAgain)
     EXPECT_EQ(calls.Calls().size(), 2U);
 }
 
+TEST_F(UnwrittenTail, IsWrittenByAWriteOfItsLastByte)
+{
+    AllocateAndWriteNothing();
+    mFile.Pool().lock()->Write(6, 1, "7");
+    const ScriptedSystemCalls calls;
+    mFile.NewPool(true, mB.c_str());
+    EXPECT_THAT(Writes(calls), ElementsAre(Transfer{0, 80}, Transfer{87, 80}));
+    EXPECT_EQ(calls.Calls().size(), 2U);
+}
+
 TEST_F(UnwrittenTail, IsNotWrittenByAWriteOfNothingAtItsEnd)
 {
     AllocateAndWriteNothing();

@@ -80,7 +80,7 @@ char* VUKSimRpm_BStreamWriteLocator::PrepWriteElsewhere(unsigned long requestedL
         Flush();
     }
     CheckLimit(mBase + Fill(), requestedLength, at::kPrepBeyondLimit);
-    if (requestedLength > mChunk.Size() - Fill()) {
+    if (requestedLength > mChunk.Size()) {
         VUKSimExcRequestTooBig(static_cast<unsigned>(requestedLength),
                                static_cast<unsigned>(mChunk.Size()))
             .Throw(kSource, at::kPrepTooBig);

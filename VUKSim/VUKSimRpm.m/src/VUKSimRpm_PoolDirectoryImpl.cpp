@@ -125,9 +125,6 @@ int VUKSimRpm_PoolDirectoryImpl::SearchReference(int dstSlotInMap) const
     const int srcSlotInDir = map->GetDirectoryIndex(srcSlot, dstSlotInMap);
     const long long len = mMapSlotList.Length();
     VUKSIMRPM_ASSERT(srcSlotInDir < len, kSource, at::kExternalizeBadCache);
-    if (srcSlotInDir >= 0) {
-        return srcSlotInDir;
-    }
     for (int index = 0; index < len; ++index) {
         if (mMapSlotList[index] == dstSlotInMap) {
             map->AddReference(srcSlot, dstSlotInMap, index);

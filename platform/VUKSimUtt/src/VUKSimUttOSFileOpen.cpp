@@ -3,7 +3,6 @@
 #include <array>
 #include <cerrno>
 #include <climits>
-#include <cstdint>
 #include <cstdio>
 #include <utility>
 
@@ -120,20 +119,14 @@ VUKString AbsoluteName(const VUKString& name)
     return absolute.GetLengthInByte() < PATH_MAX ? absolute : name;
 }
 
-// Twelve hexadecimal digits that differ from call to call and from process to process. They need
-// not be secret: an exclusive creation meets no file but its own.
+// Process, second and call, so that no two are alike. It need not be secret: an exclusive creation
+// meets no file but its own.
 VUKString UniquePart()
 {
-    static std::uint64_t calls = 0;
-    const omi_Time now = omi_gettimeofday();
-    std::uint64_t bits = static_cast<std::uint64_t>(now.seconds * 1000000 + now.microseconds) ^
-                         static_cast<std::uint64_t>(::getpid()) << 42;
-    bits += ++calls * 0x9E3779B97F4A7C15;
-    bits = (bits ^ bits >> 30) * 0xBF58476D1CE4E5B9;
-    bits = (bits ^ bits >> 27) * 0x94D049BB133111EB;
-    std::array<char, 14> text;
-    std::snprintf(text.data(), text.size(), "-%012llx",
-                  static_cast<unsigned long long>((bits ^ bits >> 31) >> 16));
+    static unsigned calls = 0;
+    std::array<char, 40> text;
+    std::snprintf(text.data(), text.size(), "-%x-%llx-%x", static_cast<unsigned>(::getpid()),
+                  static_cast<unsigned long long>(omi_gettimeofday().seconds), ++calls);
     return text.data();
 }
 

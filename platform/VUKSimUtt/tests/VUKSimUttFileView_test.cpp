@@ -65,6 +65,19 @@ TEST(FileView, ReadsThatReachTheLastTwoPagesGoThroughCalls)
     EXPECT_EQ(calls.Count(SystemCall::Pread), 1);
 }
 
+TEST(FileView, NoMapIsMadeForNoBytesAtTheEndOfWhatItWouldCover)
+{
+    const TemporaryFolder folder;
+    VUKSimUttOSFile file;
+    file.OpenRead(folder.Write("a.sim", Pattern(69632))); // 17 pages, of which 16 are covered
+    ScriptedSystemCalls calls;
+    char untouched = '?';
+    EXPECT_EQ(file.ReadAtomic(65536, &untouched, 0), 0UL);
+    EXPECT_EQ(calls.Count(SystemCall::Mmap), 0);
+    EXPECT_EQ(file.ReadAtomic(65535, &untouched, 0), 0UL);
+    EXPECT_EQ(calls.Count(SystemCall::Mmap), 1);
+}
+
 TEST(FileView, ReadsAreShortAtTheEndOfAMappedFile)
 {
     const TemporaryFolder folder;

@@ -1,7 +1,9 @@
 #include <cerrno>
 #include <filesystem>
 #include <optional>
+#include <regex>
 #include <set>
+#include <sstream>
 #include <string>
 
 #include <fcntl.h>
@@ -19,13 +21,16 @@
 
 namespace {
 
-// Whether `name` is `before`, a hyphen, twelve hexadecimal digits and `behind`.
+// Whether `name` is `before`, this process, a second, a call and `behind`.
 bool IsUnique(const VUKString& name, const std::string& before, const std::string& behind)
 {
+    std::ostringstream process;
+    process << std::hex << ::getpid();
     const std::string text = name.UTF8();
-    return text.size() == before.size() + 13 + behind.size() && text.starts_with(before + "-") &&
-           text.ends_with(behind) &&
-           text.find_first_not_of("0123456789abcdef", before.size() + 1) >= before.size() + 13;
+    const std::string begin = before + "-" + process.str() + "-";
+    return text.starts_with(begin) && text.ends_with(behind) &&
+           std::regex_match(text.substr(begin.size(), text.size() - begin.size() - behind.size()),
+                            std::regex("[0-9a-f]{8}-[0-9a-f]+"));
 }
 
 mode_t ModeOf(const VUKString& name)
