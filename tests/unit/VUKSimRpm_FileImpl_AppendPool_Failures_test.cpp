@@ -158,6 +158,17 @@ TEST_F(AppendPoolFailures, FailsWhenAMappedSourceHasBecomeShorterThanThePool)
               std::string(399920, 'x') + std::string(200000, '\0'));
 }
 
+TEST_F(AppendPoolFailures, TakesNoByteBehindTheEndOfAMappedSourceThatHasBecomeShorter)
+{
+    VUKSimRpm_PoolImpl& source = OpenSource({.directory = {mX}, .data = std::string(599920, 'x')});
+    EXPECT_EQ(ReadPool(source, 599919, 1), "x"); // mapped as long as it was
+    ResizeSource(24);                            // of 600000
+    const std::string before = mFolder.Read("a.sim");
+    EXPECT_TRUE(Raises<VUKSimExcShortPool>([&] { mFile.AppendPool(source); }, kSource, 190));
+    EXPECT_EQ(mFolder.Read("a.sim"), mFolder.Read("source.sim") + before.substr(24) +
+                                         std::string(599920, '\0'));
+}
+
 TEST_F(AppendPoolFailures, FailsForAPoolWithBytesThatWereAllocatedAndNeverWritten)
 {
     VUKSimRpm_PoolImpl& source = OpenSource({.directory = {mX}, .data = "x"});

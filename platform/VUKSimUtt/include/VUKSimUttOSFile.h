@@ -87,7 +87,8 @@ public:
 
     /// As WriteAtomic, for the `length` bytes of another file, `source`, at `sourcePosition`, when
     /// they can go without a buffer in between. False when they cannot or did not all: they are
-    /// then to be read and written.
+    /// then to be read and written. Zeros may have been written when others make the source shorter
+    /// at this very moment.
     [[nodiscard]] bool WriteFrom(unsigned long long position, VUKSimUttOSFile& source,
                                  unsigned long long sourcePosition, unsigned long length);
 

@@ -197,6 +197,10 @@ bool VUKSimUttOSFile::WriteFrom(unsigned long long position, VUKSimUttOSFile& so
         (!source.mView.Covers(sourcePosition, length) && !source.MapFor(sourcePosition, length))) {
         return false;
     }
+    // Behind a new end the page that holds it has zeros, which would go to the target.
+    if (!source.mView.Intact()) {
+        return false;
+    }
     try {
         WriteAtomic(position, source.mView.Bytes(sourcePosition), length);
     } catch (const VUKSimUttOSFileException& failure) {

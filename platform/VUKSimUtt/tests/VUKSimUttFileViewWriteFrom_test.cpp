@@ -106,6 +106,17 @@ TEST_F(FileViewWriteFrom, IsFalseWhenTheSourceHasBecomeShorter)
     EXPECT_EQ(ReadAt(mSource, 0, 10), "");
 }
 
+// Behind the new end the page that holds it reads as zeros, which are no bytes of the source.
+TEST_F(FileViewWriteFrom, WritesNothingOfASourceThatHadBecomeShorterBefore)
+{
+    EXPECT_EQ(ReadAt(mSource, 0, 1).size(), 1UL); // mapped as long as it was
+    ASSERT_EQ(::truncate(mFolder.Path("source.sim").c_str(), 4), 0);
+    ScriptedSystemCalls calls;
+    EXPECT_FALSE(mTarget.WriteFrom(0, mSource, 0, 10));
+    EXPECT_EQ(calls.Count(SystemCall::Pwrite), 0);
+    EXPECT_EQ(mFolder.Read("target.sim"), "0123456789");
+}
+
 TEST_F(FileViewWriteFrom, IsFalseWhenTheSystemCannotReadTheMemory)
 {
     ScriptedSystemCalls calls;
