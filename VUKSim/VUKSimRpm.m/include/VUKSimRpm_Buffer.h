@@ -25,13 +25,11 @@ public:
 
     void Swap(VUKSimRpm_Buffer& that) noexcept { std::swap(mBytes, that.mBytes); }
 
-    /// Gives an empty buffer `size` zero bytes, so that no old heap bytes can reach a file; one
-    /// that is not empty stays as it is. \throws std::bad_alloc, the buffer is empty then.
-    void AllocateOnce(std::size_t size)
+    /// Gives a buffer that must be empty `size` zero bytes, so that no old heap bytes can reach a
+    /// file. \throws std::bad_alloc, the buffer is empty then.
+    void Allocate(std::size_t size)
     {
-        if (mBytes == nullptr) [[unlikely]] {
-            mBytes = static_cast<char*>(mem_OperatorNewZeroedThrow(size));
-        }
+        mBytes = static_cast<char*>(mem_OperatorNewZeroedThrow(size));
     }
 
 private:

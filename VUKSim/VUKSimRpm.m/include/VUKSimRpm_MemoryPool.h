@@ -46,7 +46,7 @@ public:
 
 private:
     [[nodiscard]] bool Images(const VUKSimRpm_Locator& location) const noexcept;
-    [[gnu::cold]] void RefuseRead(const VUKSimRpm_Locator& location) const;
+    [[noreturn, gnu::cold]] void RefuseRead(const VUKSimRpm_Locator& location) const;
 
     VUKBasAllocator mAllocator; // owns mBuffer; never empty
     VUKSimRpm_Locator mLocator; // the image's first byte, without a memory pool

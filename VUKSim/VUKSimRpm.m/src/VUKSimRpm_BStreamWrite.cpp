@@ -41,7 +41,7 @@ void VUKSimRpm_BStreamWrite::Write(const VUKString& text)
         WriteRecord(*this, text, scratch, padded);
     } else {
         VUKSimRpm_Buffer scratch;
-        scratch.AllocateOnce(padded);
+        scratch.Allocate(padded);
         WriteRecord(*this, text, scratch.Bytes(), padded);
     }
 }

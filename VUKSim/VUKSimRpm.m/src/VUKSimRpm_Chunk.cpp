@@ -6,7 +6,7 @@
 void VUKSimRpm_Chunk::AllocateOnce()
 {
     if (mBegin == nullptr) {
-        mMemory.AllocateOnce(mSize + (mSize < kSmallestThatMoves ? 0 : kPage));
+        mMemory.Allocate(mSize + (mSize < kSmallestThatMoves ? 0 : kPage));
         mBegin = mMemory.Bytes();
     }
 }

@@ -22,7 +22,7 @@ VUKSimRpm_Matrix::VUKSimRpm_Matrix(int size) : mSize(size)
             ++mPieceBits;
         }
         const auto rows = static_cast<std::size_t>(size);
-        mPieces.AllocateOnce(rows * sizeof(std::uint64_t));
+        mPieces.Allocate(rows * sizeof(std::uint64_t));
         mData = static_cast<int*>(mem_OperatorNewThrowBuiltin(rows * rows * sizeof(int)));
     }
 }

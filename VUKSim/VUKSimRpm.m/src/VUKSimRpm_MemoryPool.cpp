@@ -85,7 +85,7 @@ void VUKSimRpm_MemoryPool::RefuseRead(const VUKSimRpm_Locator& location) const
 {
     VUKSIMRPM_ASSERT(mLocator.SamePool(location), kSource, at::kReadOtherPool);
     VUKSIMRPM_ASSERT(mLocator <= location, kSource, at::kReadBefore);
-    VUKSIMRPM_ASSERT(location < mLocator + mSize, kSource, at::kReadBeyondEnd);
+    VUKSIMRPM_FAIL_ASSERTION(location < mLocator + mSize, kSource, at::kReadBeyondEnd);
 }
 
 // Whether the byte at a location of the same pool lies in the image. The sum may wrap, as with

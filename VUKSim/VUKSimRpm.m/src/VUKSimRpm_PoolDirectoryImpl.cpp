@@ -134,13 +134,12 @@ int VUKSimRpm_PoolDirectoryImpl::SearchReference(int dstSlotInMap) const
     VUKSimExcCantExternalizeLoc().Throw(kSource, at::kExternalizeUnknown);
 }
 
-// All that InternalizeReference asks, in order.
-int VUKSimRpm_PoolDirectoryImpl::CheckReference(int slotInDirectory) const
+// Says what is wrong with a reference that InternalizeReference did not find good.
+void VUKSimRpm_PoolDirectoryImpl::RefuseReference(int slotInDirectory) const
 {
     VUKSIMRPM_VALIDATE(slotInDirectory >= 0, kSource, at::kInternalizeNegative);
     VUKSIMRPM_VALIDATE(slotInDirectory < mMapSlotList.Length(), kSource, at::kInternalizeBeyondEnd);
     const int slotInMap = mMapSlotList[slotInDirectory];
     VUKSIMRPM_ASSERT(slotInMap >= 0, kSource, at::kInternalizeBadSlot);
-    VUKSIMRPM_ASSERT(slotInMap < mMap.lock()->Length(), kSource, at::kInternalizeBeyondMap);
-    return slotInMap;
+    VUKSIMRPM_FAIL_ASSERTION(slotInMap < mMap.lock()->Length(), kSource, at::kInternalizeBeyondMap);
 }

@@ -73,7 +73,7 @@ public:
                 return slotInMap;
             }
         }
-        return CheckReference(slotInDirectory);
+        RefuseReference(slotInDirectory);
     }
 
 private:
@@ -82,7 +82,7 @@ private:
         return slot >= 0 && slot < mMap.BorrowLiving().Length();
     }
     [[nodiscard]] int SearchReference(int dstSlotInMap) const;
-    [[nodiscard, gnu::cold]] int CheckReference(int slotInDirectory) const;
+    [[noreturn, gnu::cold]] void RefuseReference(int slotInDirectory) const;
 
     VUKBasWeakPtr<VUKSimRpm_PoolMap> mMap;
     cow_List<int> mMapSlotList; // entry 0 is the pool's own slot

@@ -153,6 +153,17 @@ TEST(CowList, PartsFromItsCopiesWhenItChanges)
     EXPECT_NE(&copy[0], &list[0]);
 }
 
+TEST(CowList, PartsFromItsCopiesWhenItHasReservedAndIsEmpty)
+{
+    cow_List<int> list;
+    list.Reserve(2);
+    const cow_List<int> copy(list);
+    list.Append(10);
+    EXPECT_EQ(list.Length(), 1);
+    EXPECT_EQ(list[0], 10);
+    EXPECT_EQ(copy.Length(), 0);
+}
+
 TEST(CowList, PartsFromItsCopiesWhenItReserves)
 {
     cow_List<int> list = TenTwentyThirty();

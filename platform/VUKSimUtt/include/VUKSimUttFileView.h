@@ -58,9 +58,11 @@ public:
                                   unsigned long length) noexcept
     {
         CountWrite();
-        return Intact() &&
-               VUKSimUttShortCopy::MoveIf(mBytes + position, buffer, length, [] { return true; }) &&
-               Intact();
+        if (!Intact()) {
+            return false;
+        }
+        VUKSimUttShortCopy::Copy(mBytes + position, buffer, length);
+        return Intact();
     }
 
     /// Covered bytes where they lie, for the system to read: it finds out by itself when pages are

@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <string>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
@@ -10,6 +11,7 @@
 #include "ScriptedSystemCalls.h"
 #include "TemporaryFolder.h"
 #include "VUKSimUttOSFile.h"
+#include "VUKSimUttSystemCalls.h"
 
 // Bytes that go from one file to another without a buffer in between. The source is 131,072 bytes
 // long, of which 122,880 are served from memory.
@@ -94,6 +96,30 @@ TEST_F(FileViewWriteFrom, WritesNothingToAFileThatNobodyHasLookedAt)
     created.Close();
     created.CreateTemporary(mFolder.File("scratch"));
     EXPECT_FALSE(created.WriteFrom(0, mSource, 0, 10));
+}
+
+TEST_F(FileViewWriteFrom, WritesNothingOfAFileThatNobodyHasLookedAt)
+{
+    VUKSimUttOSFile created;
+    created.CreateTemporary(mFolder.File("scratch"));
+    created.WriteAtomic(0, mBytes.data(), mBytes.size());
+    EXPECT_EQ(ReadAt(created, 0, 10), mBytes.substr(0, 10)); // mapped
+    EXPECT_FALSE(mTarget.WriteFrom(0, created, 0, 10));
+    EXPECT_EQ(mFolder.Read("target.sim"), "0123456789");
+}
+
+TEST_F(FileViewWriteFrom, TakesAFileOfTheSameNumberOnAnotherDeviceForAnotherFile)
+{
+    const ScriptedSystemCalls calls; // puts the table back
+    VUKSimUttSystemCalls::Current().fstat = [](int descriptor, VUKSimUttFileStatus* status) {
+        const int result = ::fstat(descriptor, status);
+        ++status->st_dev;
+        return result;
+    };
+    VUKSimUttOSFile elsewhere;
+    elsewhere.OpenUpdate(mFolder.File("source.sim"));
+    EXPECT_TRUE(elsewhere.WriteFrom(1000, mSource, 0, 10));
+    EXPECT_EQ(mFolder.Read("source.sim").substr(1000, 10), mBytes.substr(0, 10));
 }
 
 TEST_F(FileViewWriteFrom, IsFalseWhenTheSourceHasBecomeShorter)
