@@ -165,8 +165,8 @@ TEST_F(AppendPoolFailures, TakesNoByteBehindTheEndOfAMappedSourceThatHasBecomeSh
     ResizeSource(24);                            // of 600000
     const std::string before = mFolder.Read("a.sim");
     EXPECT_TRUE(Raises<VUKSimExcShortPool>([&] { mFile.AppendPool(source); }, kSource, 190));
-    EXPECT_EQ(mFolder.Read("a.sim"), mFolder.Read("source.sim") + before.substr(24) +
-                                         std::string(599920, '\0'));
+    EXPECT_EQ(mFolder.Read("a.sim"),
+              mFolder.Read("source.sim") + before.substr(24) + std::string(599920, '\0'));
 }
 
 TEST_F(AppendPoolFailures, FailsForAPoolWithBytesThatWereAllocatedAndNeverWritten)
