@@ -20,6 +20,21 @@ void Number(VUKSimRpm_Matrix& matrix, int base)
         }
     }
 }
+
+// A matrix in memory that held something else before.
+VUKSimRpm_Matrix InUsedMemory(int size)
+{
+    static mem_Functions real;
+    struct Restored
+    {
+        ~Restored() { mem_CurrentFunctions() = real; }
+    } restored;
+    real = mem_CurrentFunctions();
+    mem_CurrentFunctions().allocate = [](std::size_t bytes) {
+        return std::memset(real.allocate(bytes), 'd', bytes);
+    };
+    return VUKSimRpm_Matrix(size);
+}
 } // namespace
 
 TEST(Matrix, ReadsMinusOneUntilAnEntryIsSet)
@@ -62,13 +77,7 @@ TEST(Matrix, KeepsEveryValueOf32Bits)
 
 TEST(Matrix, ReadsMinusOneWhateverItsMemoryHeldBefore)
 {
-    static mem_Functions real;
-    real = mem_CurrentFunctions();
-    mem_CurrentFunctions().allocate = [](std::size_t size) {
-        return std::memset(real.allocate(size), 'd', size);
-    };
-    VUKSimRpm_Matrix matrix(192); // in pieces of 4
-    mem_CurrentFunctions() = real;
+    VUKSimRpm_Matrix matrix = InUsedMemory(192); // in pieces of 4
     matrix.Set(5, 6, 77);
     matrix.Set(191, 191, 78);
     for (int row = 0; row < 192; ++row) {
@@ -79,6 +88,16 @@ TEST(Matrix, ReadsMinusOneWhateverItsMemoryHeldBefore)
     }
     EXPECT_EQ(matrix.Get(5, 6), 77);
     EXPECT_EQ(matrix.Get(191, 191), 78);
+}
+
+TEST(Matrix, ReadsMinusOneUntilAnEntryIsSetAtEachWidthOfAPiece)
+{
+    for (const int size : {64, 65, 128, 129, 257}) {
+        VUKSimRpm_Matrix matrix = InUsedMemory(size);
+        matrix.Set(0, size - 1, 7);
+        EXPECT_EQ(matrix.Get(0, 0), -1) << size;
+        EXPECT_EQ(matrix.Get(0, size - 1), 7) << size;
+    }
 }
 
 TEST(Matrix, SetsEntriesWhereARowDoesNotDivideEvenly)

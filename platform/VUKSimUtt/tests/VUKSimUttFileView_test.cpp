@@ -114,6 +114,21 @@ TEST(FileView, WritesInPlaceMakeNoCallAndAreSeenByOthersAtOnce)
     EXPECT_EQ(folder.Read("a.sim"), expected);
 }
 
+TEST(FileView, WritesOfMoreThan16KiBAreOneCall)
+{
+    const TemporaryFolder folder;
+    VUKSimUttOSFile file;
+    file.OpenUpdate(folder.Write("a.sim", Pattern(131072)));
+    file.WriteAtomic(0, "1", 1);
+    const std::string bytes(16385, 'x');
+    ScriptedSystemCalls calls;
+    file.WriteAtomic(4096, bytes.data(), 16384);
+    EXPECT_EQ(calls.Count(SystemCall::Pwrite), 0);
+    file.WriteAtomic(4096, bytes.data(), 16385);
+    EXPECT_EQ(calls.Count(SystemCall::Pwrite), 1);
+    EXPECT_EQ(ReadAt(file, 4096, 16386), bytes + Pattern(131072)[4096 + 16385]);
+}
+
 TEST(FileView, BytesThatOthersWriteAreSeenAtOnce)
 {
     const TemporaryFolder folder;
